@@ -1,0 +1,29 @@
+# One room of the house is one folder and one library. A room's link line names the rooms it may
+# use, so an arrow that runs up does not link.
+
+add_library(valdrix_options INTERFACE)
+target_compile_options(valdrix_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+target_include_directories(valdrix_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+if(VALDRIX_SANITIZE)
+  target_compile_options(valdrix_options INTERFACE
+    -fsanitize=${VALDRIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(valdrix_options INTERFACE -fsanitize=${VALDRIX_SANITIZE})
+endif()
+
+# valdrix_room(FOLDER [ROOM-OR-LIBRARY…]): the sources of src/FOLDER as library valdrix_<folder>,
+# with / in the folder's name written as _.
+function(valdrix_room FOLDER)
+  string(REPLACE "/" "_" name ${FOLDER})
+  set(target valdrix_${name})
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${FOLDER}/*.cpp)
+  file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${FOLDER}/*.h)
+  set(links ${ARGN})
+  list(TRANSFORM links REPLACE "^room:(.*)$" "valdrix_\\1")
+  if(sources)
+    add_library(${target} STATIC ${sources} ${headers})
+    target_link_libraries(${target} PUBLIC valdrix_options ${links})
+  else()
+    add_library(${target} INTERFACE)
+    target_link_libraries(${target} INTERFACE valdrix_options ${links})
+  endif()
+endfunction()

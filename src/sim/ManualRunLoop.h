@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include "platform/RunLoop.h"
+#include "sim/Trace.h"
+
+namespace valdrix::sim {
+
+/// A run loop whose clock stands still until it is told to move on. Everything due by then runs, in
+/// order of its time and, at the same time, of its scheduling. The loop must outlive its tokens.
+class ManualRunLoop : public platform::RunLoop {
+ public:
+  explicit ManualRunLoop(Trace& trace);
+
+  [[nodiscard]] double now() const override { return now_; }
+  [[nodiscard]] Token scheduleTimer(double interval, bool repeats,
+                                    std::function<void()> block) override;
+  void async(std::function<void()> block) override;
+
+  /// Runs what was submitted with `async` and every timer that is due now.
+  void runPending();
+  /// Moves the clock on by `seconds`, running everything due on the way.
+  void advance(double seconds);
+  [[nodiscard]] std::size_t timerCount() const { return timers_.size(); }
+  /// When the next timer is due; infinity without one.
+  [[nodiscard]] double nextTimer() const;
+
+ private:
+  struct Timer {
+    double interval;
+    bool repeats;
+    std::function<void()> block;
+  };
+  using Key = std::pair<double, std::uint64_t>;
+
+  void runQueue();
+  bool runFirstTimer(double until);
+  void cancel(std::uint64_t id);
+
+  Trace& trace_;
+  double now_ = 0;
+  std::uint64_t nextId_ = 1;
+  std::map<Key, Timer> timers_;
+  std::mutex queueMutex_;
+  std::deque<std::function<void()>> queue_;
+};
+
+}  // namespace valdrix::sim
