@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Application.h"
+
+namespace valdrix::desktop {
+
+/// The running program as a Qt application.
+class QtApplication final : public platform::Application {
+ public:
+  /// `accessory` and `prohibited` keep the program running without any window; `regular` ends it
+  /// with its last one.
+  void setActivationPolicy(platform::ActivationPolicy policy) override;
+  void terminate() override;
+};
+
+}  // namespace valdrix::desktop
