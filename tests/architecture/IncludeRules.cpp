@@ -1,0 +1,134 @@
+#include "tests/architecture/IncludeRules.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <regex>
+#include <sstream>
+
+namespace valdrix::tests {
+
+namespace {
+
+/// One room, the rooms right below it, and the libraries that it may name beside the standard one.
+/// What lies below a room below is allowed too.
+struct Room {
+  std::string_view name;
+  std::vector<std::string_view> below;
+  std::vector<std::string_view> libraries;
+};
+
+const std::vector<Room>& rooms() {
+  static const std::vector<Room> theRooms = {
+      {"observation", {}, {}},
+      {"view", {"observation"}, {}},
+      {"platform", {"view"}, {}},
+      {"preferences", {"platform"}, {}},
+      {"media", {"preferences"}, {}},
+      {"calendar", {"preferences"}, {}},
+      {"notch", {"media", "calendar"}, {}},
+      {"settings", {"media", "calendar"}, {}},
+      {"app", {"notch", "settings"}, {}},
+      {"sim", {"app"}, {}},
+      {"desktop/ui", {"platform"}, {"system", "Qt"}},
+      {"desktop/x11", {"desktop/ui"}, {"system", "Qt", "X11"}},
+      {"desktop/wayland", {"desktop/ui"}, {"system", "Qt", "Wayland"}},
+      {"desktop/audio", {"platform"}, {"system", "PulseAudio"}},
+      {"desktop/display", {"platform"}, {"system", "Qt"}},
+      {"desktop/input", {"platform"}, {"system", "Qt"}},
+      {"desktop/calendar", {"platform"}, {"system", "Qt", "libical"}},
+      {"desktop/session", {"platform"}, {"system", "Qt"}},
+      {"desktop/net", {"platform"}, {"system", "Qt", "libcurl"}},
+      {"desktop",
+       {"desktop/ui", "desktop/x11", "desktop/wayland", "desktop/audio", "desktop/display",
+        "desktop/input", "desktop/calendar", "desktop/session", "desktop/net"},
+       {"system", "Qt"}},
+      {"main", {"sim", "desktop"}, {"system", "Qt"}},
+  };
+  return theRooms;
+}
+
+const Room* find(std::string_view name) {
+  const auto room = std::ranges::find(rooms(), name, &Room::name);
+  return room == rooms().end() ? nullptr : &*room;
+}
+
+bool reaches(const Room& from, std::string_view to) {
+  return std::ranges::any_of(
+      from.below, [&](std::string_view name) { return name == to || reaches(*find(name), to); });
+}
+
+// Of the headers that a program can meet, only the standard library's have a name of lower-case
+// letters without an extension.
+bool isStandard(std::string_view header) {
+  return std::ranges::all_of(header, [](char c) { return (c >= 'a' && c <= 'z') || c == '_'; });
+}
+
+/// The library that an angle-bracket header belongs to; none for one that nobody may use.
+std::optional<std::string_view> libraryOf(std::string_view header) {
+  struct Family {
+    std::string_view start;
+    std::string_view library;
+  };
+  static constexpr std::array families = {
+      Family{"Q", "Qt"},          Family{"qpa/", "Qt"},           Family{"xcb/", "X11"},
+      Family{"X11/", "X11"},      Family{"xkbcommon/", "X11"},    Family{"wayland-", "Wayland"},
+      Family{"linux/", "system"}, Family{"pulse/", "PulseAudio"}, Family{"sys/", "system"},
+      Family{"curl/", "libcurl"}, Family{"libical/", "libical"},
+  };
+  for (const auto& family : families)
+    if (header.starts_with(family.start)) return family.library;
+  // What remains is the C library's: <unistd.h>, <poll.h>.
+  if (header.ends_with(".h") && header.find('/') == header.npos) return "system";
+  return std::nullopt;
+}
+
+std::optional<std::string> quotedFault(const Room& room, const std::string& header) {
+  if (header.ends_with(".moc")) return std::nullopt;
+  const auto target = roomOf(header);
+  if (target == "main") return '"' + header + "\" is not written from src/";
+  if (target == room.name || reaches(room, target)) return std::nullopt;
+  return std::string(room.name) + " must not know " + target + ": \"" + header + '"';
+}
+
+std::optional<std::string> angledFault(const Room& room, const std::string& header) {
+  if (isStandard(header)) return std::nullopt;
+  if (const auto library = libraryOf(header);
+      library && std::ranges::find(room.libraries, *library) != room.libraries.end())
+    return std::nullopt;
+  return std::string(room.name) + " must not use <" + header + '>';
+}
+
+}  // namespace
+
+std::string roomOf(std::string_view path) {
+  const auto slash = path.find('/');
+  if (slash == std::string_view::npos) return "main";
+  const auto folder = path.substr(0, slash);
+  if (folder != "desktop") return std::string(folder);
+  return std::string(path.substr(0, std::max(slash, path.find_last_of('/'))));
+}
+
+bool isKnownRoom(std::string_view room) { return find(room) != nullptr; }
+
+std::vector<std::string> includeViolations(std::string_view path, std::string_view source) {
+  static const std::regex include(R"re(^\s*#\s*(?:include|import)\s*(?:"([^"]*)"|<([^>]*)>))re");
+  std::vector<std::string> violations;
+  const auto name = roomOf(path);
+  const Room* room = find(name);
+  if (!room) return {std::string(path) + ":1: no rule names the room " + name};
+
+  std::istringstream lines{std::string(source)};
+  std::string line;
+  for (int number = 1; std::getline(lines, line); ++number) {
+    std::smatch match;
+    if (!std::regex_search(line, match, include)) continue;
+    const auto fault =
+        match[1].matched ? quotedFault(*room, match[1]) : angledFault(*room, match[2]);
+    if (fault)
+      violations.push_back(std::string(path) + ':' + std::to_string(number) + ": " + *fault);
+  }
+  return violations;
+}
+
+}  // namespace valdrix::tests
