@@ -21,12 +21,12 @@ struct DisplayItem {
   /// Which view of the tree drew it; stays the same from frame to frame.
   std::uint64_t owner = 0;
   Kind kind = Kind::fill;
-  Path path;                ///< fill and stroke
-  double lineWidth = 0;     ///< stroke, in points
+  Path path;                  ///< fill and stroke
+  double lineWidth = 0;       ///< stroke, in points
   bool hasRoundCaps = false;  ///< stroke
-  std::string text;         ///< text, UTF-8
-  TextStyle style;          ///< text
-  Rect bounds;              ///< what the item may touch; for text also where it is laid out
+  std::string text;           ///< text, UTF-8
+  TextStyle style;            ///< text
+  Rect bounds;                ///< what the item may touch; for text also where it is laid out
   Color color;
   /// What it is clipped to, innermost last; shared between the items of one clipped view.
   std::vector<std::shared_ptr<const Path>> clips;

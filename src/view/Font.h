@@ -23,7 +23,8 @@ struct TextStyle {
   Font font;
   /// Extra space after each character, in points.
   double tracking = 0;
-  /// The most lines to use; 0 means as many as it takes. Text that does not fit ends in an ellipsis.
+  /// The most lines to use; 0 means as many as it takes. Text that does not fit ends in an
+  /// ellipsis.
   int lineLimit = 0;
   /// Shown in capitals, by the rules of `locale`.
   bool isUppercase = false;

@@ -49,8 +49,7 @@ struct Rect {
     if (other.isEmpty()) return *this;
     const double left = std::min(minX(), other.minX());
     const double top = std::min(minY(), other.minY());
-    return {left, top, std::max(maxX(), other.maxX()) - left,
-            std::max(maxY(), other.maxY()) - top};
+    return {left, top, std::max(maxX(), other.maxX()) - left, std::max(maxY(), other.maxY()) - top};
   }
 
   /// The common part, empty when there is none.

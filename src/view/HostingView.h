@@ -20,8 +20,8 @@ class ViewGraph;
 /// the tree out, animates it and lists what to draw. Main thread only.
 ///
 /// The window that shows it sets `onNeedsFrame`, and for each frame calls `prepareFrame` and then
-/// `draw` with the damaged part. Between frames nothing runs but the timers of timelines that can be
-/// seen.
+/// `draw` with the damaged part. Between frames nothing runs but the timers of timelines that can
+/// be seen.
 class HostingView {
  public:
   /// What a tree needs of the world.
@@ -64,8 +64,9 @@ class HostingView {
     /// Whether something still moves, so that another frame has been asked for.
     bool isAnimating = false;
   };
-  /// Brings the tree up to date with what it reads and with the clock.
-  Frame prepareFrame();
+  /// Brings the tree up to date with what it reads and with the clock. `lookAhead` is the time in
+  /// seconds until the frame will be seen: moving things are drawn where they will be then.
+  Frame prepareFrame(double lookAhead = 1.0 / 60);
 
   /// Draws what the latest `prepareFrame` found, as far as it touches `dirty`.
   void draw(Canvas& canvas, const Rect& dirty) const;

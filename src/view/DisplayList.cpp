@@ -1,0 +1,91 @@
+#include "view/DisplayList.h"
+
+#include <unordered_map>
+
+#include "view/Canvas.h"
+
+namespace valdrix::view {
+
+namespace {
+
+using Clip = std::shared_ptr<const Path>;
+
+bool clipsAlike(const std::vector<Clip>& a, const std::vector<Clip>& b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i)
+    if (a[i] != b[i] && !(*a[i] == *b[i])) return false;
+  return true;
+}
+
+/// What an item may touch within its clips. Glyphs may reach out of their line box.
+Rect visibleBounds(const DisplayItem& item) {
+  Rect bounds = item.kind == DisplayItem::Kind::text ? item.bounds.outset(item.style.font.size / 3)
+                                                     : item.bounds;
+  for (const auto& clip : item.clips) bounds = bounds.intersected(clip->bounds());
+  return bounds;
+}
+
+void drawItem(const DisplayItem& item, Canvas& canvas) {
+  switch (item.kind) {
+    case DisplayItem::Kind::fill:
+      return canvas.fill(item.path, item.color);
+    case DisplayItem::Kind::stroke:
+      return canvas.stroke(item.path, item.color, item.lineWidth, item.hasRoundCaps);
+    case DisplayItem::Kind::text:
+      return canvas.drawText(item.text, item.style, item.bounds, item.color);
+  }
+}
+
+}  // namespace
+
+bool DisplayItem::looksLike(const DisplayItem& other) const {
+  return kind == other.kind && color == other.color && bounds == other.bounds &&
+         lineWidth == other.lineWidth && hasRoundCaps == other.hasRoundCaps && text == other.text &&
+         style == other.style && path == other.path && clipsAlike(clips, other.clips);
+}
+
+Rect difference(const DisplayList& before, const DisplayList& after) {
+  // Views draw in the order of the tree, so in most frames the lists run in step.
+  Rect damage;
+  if (before.size() == after.size()) {
+    bool isInStep = true;
+    for (std::size_t i = 0; i < after.size() && isInStep; ++i)
+      isInStep = before[i].owner == after[i].owner;
+    if (isInStep) {
+      for (std::size_t i = 0; i < after.size(); ++i)
+        if (!before[i].looksLike(after[i]))
+          damage = damage.united(visibleBounds(before[i])).united(visibleBounds(after[i]));
+      return damage;
+    }
+  }
+  std::unordered_multimap<std::uint64_t, const DisplayItem*> gone;
+  for (const auto& item : before) gone.emplace(item.owner, &item);
+  for (const auto& item : after) {
+    auto [first, last] = gone.equal_range(item.owner);
+    while (first != last && !first->second->looksLike(item)) ++first;
+    if (first != last)
+      gone.erase(first);
+    else
+      damage = damage.united(visibleBounds(item));
+  }
+  for (const auto& [owner, item] : gone) damage = damage.united(visibleBounds(*item));
+  return damage;
+}
+
+void draw(const DisplayList& list, Canvas& canvas, const Rect& dirty) {
+  std::vector<Clip> active;
+  for (const auto& item : list) {
+    if (visibleBounds(item).intersected(dirty).isEmpty()) continue;
+    std::size_t common = 0;
+    while (common < active.size() && common < item.clips.size() &&
+           active[common] == item.clips[common])
+      ++common;
+    for (; active.size() > common; active.pop_back()) canvas.popClip();
+    for (; active.size() < item.clips.size(); active.push_back(item.clips[active.size()]))
+      canvas.pushClip(*item.clips[active.size()]);
+    drawItem(item, canvas);
+  }
+  for (; !active.empty(); active.pop_back()) canvas.popClip();
+}
+
+}  // namespace valdrix::view

@@ -1,0 +1,270 @@
+#include <algorithm>
+
+#include "view/Animated.h"
+#include "view/View.h"
+#include "view/ViewGraph.h"
+
+namespace valdrix::view {
+
+namespace {
+
+/// A twentieth of a point: no screen shows less.
+constexpr double lengthTolerance = 0.05;
+
+class FrameNode;
+
+class FrameElement final : public ElementFor<FrameNode> {
+ public:
+  FrameElement(View view, const FrameSize& frameSize) : content(std::move(view)), size(frameSize) {}
+  View content;
+  FrameSize size;
+};
+
+class FrameNode final : public NodeFor<FrameNode, WrapperNode, FrameElement> {
+ public:
+  using NodeFor::NodeFor;
+
+  void apply(const FrameElement& element) {
+    const Animated<2>::Values sides{element.size.width.value_or(0),
+                                    element.size.height.value_or(0)};
+    const bool isSameKind = child_ && size_.width.has_value() == element.size.width.has_value() &&
+                            size_.height.has_value() == element.size.height.has_value();
+    if (!isSameKind)
+      sides_.jump(sides);
+    else if (sides_.set(sides, graph().transaction(), graph().now()))
+      graph().noteAnimationStarted();
+    size_ = element.size;
+    updateChild(element.content);
+  }
+
+  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
+    const auto own = current();
+    if (own.width && own.height) return {*own.width, *own.height};
+    const Size size = child_->sizeThatFits(
+        {own.width ? own.width : proposal.width, own.height ? own.height : proposal.height});
+    return {own.width.value_or(size.width), own.height.value_or(size.height)};
+  }
+
+  void place(const Rect& bounds) override {
+    bounds_ = bounds;
+    const Size size = child_->sizeThatFits(ProposedSize::of(bounds.size()));
+    child_->place(aligned(size, bounds, size_.alignment));
+  }
+
+  [[nodiscard]] bool isMoving() const override {
+    return sides_.isMoving(graph().frameTime()) || WrapperNode::isMoving();
+  }
+
+ private:
+  [[nodiscard]] ProposedSize current() const {
+    const auto sides = sides_.value(graph().frameTime());
+    ProposedSize own;
+    if (size_.width) own.width = std::max(0.0, sides[0]);
+    if (size_.height) own.height = std::max(0.0, sides[1]);
+    return own;
+  }
+
+  FrameSize size_;
+  Animated<2> sides_{lengthTolerance};
+};
+
+class LimitsNode;
+
+class LimitsElement final : public ElementFor<LimitsNode> {
+ public:
+  LimitsElement(View view, const FrameLimits& frameLimits)
+      : content(std::move(view)), limits(frameLimits) {}
+  View content;
+  FrameLimits limits;
+};
+
+class LimitsNode final : public NodeFor<LimitsNode, WrapperNode, LimitsElement> {
+ public:
+  using NodeFor::NodeFor;
+
+  void apply(const LimitsElement& element) {
+    limits_ = element.limits;
+    updateChild(element.content);
+  }
+
+  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
+    const ProposedSize inner{held(proposal.width, limits_.minWidth, limits_.maxWidth),
+                             held(proposal.height, limits_.minHeight, limits_.maxHeight)};
+    const Size size = child_->sizeThatFits(inner);
+    return {fitted(size.width, inner.width, limits_.minWidth, limits_.maxWidth),
+            fitted(size.height, inner.height, limits_.minHeight, limits_.maxHeight)};
+  }
+
+  void place(const Rect& bounds) override {
+    bounds_ = bounds;
+    const Size size = child_->sizeThatFits(ProposedSize::of(bounds.size()));
+    child_->place(aligned(size, bounds, limits_.alignment));
+  }
+
+ private:
+  using Bound = std::optional<double>;
+
+  [[nodiscard]] static Bound held(Bound offered, Bound least, Bound most) {
+    if (!offered) return offered;
+    if (least) offered = std::max(*offered, *least);
+    if (most) offered = std::min(*offered, *most);
+    return offered;
+  }
+  /// A lower bound lets the side follow the child down to it, an upper bound lets it take up what
+  /// is offered as far as that.
+  [[nodiscard]] static double fitted(double length, Bound offered, Bound least, Bound most) {
+    if (least) length = std::max(*least, std::min(length, offered.value_or(length)));
+    if (most) length = std::min(*most, std::max(length, offered.value_or(length)));
+    return length;
+  }
+
+  FrameLimits limits_;
+};
+
+class FixedSizeNode;
+
+class FixedSizeElement final : public ElementFor<FixedSizeNode> {
+ public:
+  FixedSizeElement(View view, bool isFixedHorizontally, bool isFixedVertically)
+      : content(std::move(view)), horizontal(isFixedHorizontally), vertical(isFixedVertically) {}
+  View content;
+  bool horizontal;
+  bool vertical;
+};
+
+class FixedSizeNode final : public NodeFor<FixedSizeNode, WrapperNode, FixedSizeElement> {
+ public:
+  using NodeFor::NodeFor;
+
+  void apply(const FixedSizeElement& element) {
+    horizontal_ = element.horizontal;
+    vertical_ = element.vertical;
+    updateChild(element.content);
+  }
+  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
+    return child_->sizeThatFits(
+        {horizontal_ ? std::nullopt : proposal.width, vertical_ ? std::nullopt : proposal.height});
+  }
+  void place(const Rect& bounds) override {
+    bounds_ = bounds;
+    child_->place(
+        aligned(sizeThatFits(ProposedSize::of(bounds.size())), bounds, Alignment::center));
+  }
+
+ private:
+  bool horizontal_ = false;
+  bool vertical_ = false;
+};
+
+class PaddingNode;
+
+class PaddingElement final : public ElementFor<PaddingNode> {
+ public:
+  PaddingElement(View view, const EdgeInsets& edgeInsets)
+      : content(std::move(view)), insets(edgeInsets) {}
+  View content;
+  EdgeInsets insets;
+};
+
+class PaddingNode final : public NodeFor<PaddingNode, WrapperNode, PaddingElement> {
+ public:
+  using NodeFor::NodeFor;
+
+  void apply(const PaddingElement& element) {
+    const auto& [top, leading, bottom, trailing] = element.insets;
+    const Animated<4>::Values insets{top, leading, bottom, trailing};
+    if (!child_)
+      insets_.jump(insets);
+    else if (insets_.set(insets, graph().transaction(), graph().now()))
+      graph().noteAnimationStarted();
+    updateChild(element.content);
+  }
+
+  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
+    const auto [top, leading, bottom, trailing] = insets_.value(graph().frameTime());
+    const auto less = [](std::optional<double> side, double by) {
+      return side ? std::optional(std::max(0.0, *side - by)) : std::nullopt;
+    };
+    const Size size = child_->sizeThatFits(
+        {less(proposal.width, leading + trailing), less(proposal.height, top + bottom)});
+    return {size.width + leading + trailing, size.height + top + bottom};
+  }
+
+  void place(const Rect& bounds) override {
+    bounds_ = bounds;
+    const auto [top, leading, bottom, trailing] = insets_.value(graph().frameTime());
+    child_->place({bounds.x + leading, bounds.y + top,
+                   std::max(0.0, bounds.width - leading - trailing),
+                   std::max(0.0, bounds.height - top - bottom)});
+  }
+
+  [[nodiscard]] bool isMoving() const override {
+    return insets_.isMoving(graph().frameTime()) || WrapperNode::isMoving();
+  }
+
+ private:
+  Animated<4> insets_{lengthTolerance};
+};
+
+class GeometryReaderNode;
+
+class GeometryReaderElement final : public ElementFor<GeometryReaderNode> {
+ public:
+  explicit GeometryReaderElement(std::function<View(Size)> builder) : content(std::move(builder)) {}
+  std::function<View(Size)> content;
+};
+
+class GeometryReaderNode final
+    : public NodeFor<GeometryReaderNode, WrapperNode, GeometryReaderElement> {
+ public:
+  using NodeFor::NodeFor;
+
+  void apply(const GeometryReaderElement& element) {
+    content_ = element.content;
+    updateChild(content_(size_));
+  }
+
+  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
+    return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
+  }
+
+  void place(const Rect& bounds) override {
+    bounds_ = bounds;
+    if (!(size_ == bounds.size())) {
+      size_ = bounds.size();
+      updateChild(content_(size_));
+    }
+    child_->place(aligned(child_->sizeThatFits(ProposedSize::of(bounds.size())), bounds,
+                          Alignment::topLeading));
+  }
+
+ private:
+  static constexpr double idealLength = 10;
+
+  std::function<View(Size)> content_;
+  Size size_;
+};
+
+}  // namespace
+
+View View::frame(const FrameSize& size) const {
+  return View(std::make_shared<FrameElement>(*this, size));
+}
+
+View View::frame(const FrameLimits& limits) const {
+  return View(std::make_shared<LimitsElement>(*this, limits));
+}
+
+View View::fixedSize(bool horizontal, bool vertical) const {
+  return View(std::make_shared<FixedSizeElement>(*this, horizontal, vertical));
+}
+
+View View::padding(const EdgeInsets& insets) const {
+  return View(std::make_shared<PaddingElement>(*this, insets));
+}
+
+View geometryReader(std::function<View(Size)> content) {
+  return View(std::make_shared<GeometryReaderElement>(std::move(content)));
+}
+
+}  // namespace valdrix::view

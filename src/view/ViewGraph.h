@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "view/HostingView.h"
+#include "view/Node.h"
+#include "view/Transaction.h"
+
+namespace valdrix::view {
+
+class ComponentNodeBase;
+
+/// The tree behind one hosting view and the state that its nodes share.
+class ViewGraph {
+ public:
+  explicit ViewGraph(HostingView::Services services);
+  ~ViewGraph();
+  ViewGraph(const ViewGraph&) = delete;
+  ViewGraph& operator=(const ViewGraph&) = delete;
+
+  void setRoot(const View& view);
+
+  // What nodes ask for.
+  [[nodiscard]] const HostingView::Services& services() const { return services_; }
+  /// The transaction of the description that is being taken over.
+  [[nodiscard]] const Transaction& transaction() const { return transaction_; }
+  /// The time that animations start at.
+  [[nodiscard]] double now() const { return services_.now(); }
+  /// The time for which the frame is made.
+  [[nodiscard]] double frameTime() const { return frameTime_; }
+  [[nodiscard]] std::uint64_t frameNumber() const { return frameNumber_; }
+  /// Device pixels per point while everything rests, so that edges can be put on pixels; 0 while
+  /// something moves.
+  [[nodiscard]] double restingScale() const { return isMoving_ ? 0 : scale_; }
+  [[nodiscard]] const std::string& locale() const { return locale_; }
+  /// The locale for what is taken over from now on; gives the one before.
+  std::string exchangeLocale(std::string locale) {
+    return std::exchange(locale_, std::move(locale));
+  }
+  [[nodiscard]] std::uint64_t nextSerial() { return ++serial_; }
+  void noteAnimationStarted() { hasStartedAnimation_ = true; }
+  /// Runs `action` once the tree is up to date.
+  void afterUpdate(std::function<void()> action) { actions_.push_back(std::move(action)); }
+  void requestFrame();
+
+  // What components tell.
+  void componentWillChange();
+  void componentDidChange(ComponentNodeBase& component);
+  void componentGone(ComponentNodeBase& component);
+  void hoverGone(const HoverNode& hover);
+  void buttonGone(const ButtonNode& button);
+
+  // What the hosting view does.
+  void flush();
+  HostingView::Frame prepareFrame(double lookAhead);
+  void pointerMoved(Point point);
+  void pointerExited();
+  void pointerPressed();
+  void pointerReleased();
+
+  Rect frame;
+  std::uint32_t autoresizingMask = 0;
+  std::function<void()> onNeedsFrame;
+  std::function<void(const Animation&)> onAnimationStarted;
+
+  void setScale(double scale);
+  [[nodiscard]] bool needsFrame() const { return needsFrame_; }
+  [[nodiscard]] const DisplayList& displayList() const { return list_; }
+  [[nodiscard]] const std::string& toolTip() const { return toolTip_; }
+  [[nodiscard]] bool showsLinkPointer() const { return showsLink_; }
+
+ private:
+  void updateDirtyComponents();
+  void runActions();
+  void updateHover();
+
+  HostingView::Services services_;
+  Transaction transaction_;
+  std::optional<Transaction> pending_;
+  double frameTime_ = 0;
+  std::uint64_t frameNumber_ = 0;
+  double scale_ = 1;
+  bool isMoving_ = false;
+  bool needsFrame_ = false;
+  bool isFlushing_ = false;
+  bool hasStartedAnimation_ = false;
+  std::string locale_;
+  std::uint64_t serial_ = 0;
+  std::vector<ComponentNodeBase*> dirty_;
+  std::vector<std::function<void()>> actions_;
+  DisplayList list_;
+
+  std::optional<Point> pointer_;
+  std::vector<HoverNode*> hovered_;
+  ButtonNode* button_ = nullptr;
+  ButtonNode* pressed_ = nullptr;
+  std::string toolTip_;
+  bool showsLink_ = false;
+
+  std::unique_ptr<Node> root_;
+};
+
+}  // namespace valdrix::view
