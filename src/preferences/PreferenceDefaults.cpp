@@ -9,12 +9,12 @@ namespace valdrix {
 void registerPreferenceDefaults(platform::UserDefaults& userDefaults) {
   using std::string;
   userDefaults.registerDefaults({
-      {string(preferenceKey::volumeHUDEnabled), preferenceDefault::volumeHUDEnabled},
-      {string(preferenceKey::brightnessHUDEnabled), preferenceDefault::brightnessHUDEnabled},
-      {string(preferenceKey::calendarMaxEvents), preferenceDefault::calendarMaxEvents},
-      {string(preferenceKey::calendarWindowDays), preferenceDefault::calendarWindowDays},
-      {string(preferenceKey::hiddenCalendarIDs), string(preferenceDefault::hiddenCalendarIDs)},
-      {string(preferenceKey::hudDuration), preferenceDefault::hudDuration},
+      {string(preferenceKeys::volumeHUDEnabled), preferenceDefaults::volumeHUDEnabled},
+      {string(preferenceKeys::brightnessHUDEnabled), preferenceDefaults::brightnessHUDEnabled},
+      {string(preferenceKeys::calendarMaxEvents), preferenceDefaults::calendarMaxEvents},
+      {string(preferenceKeys::calendarWindowDays), preferenceDefaults::calendarWindowDays},
+      {string(preferenceKeys::hiddenCalendarIDs), string(preferenceDefaults::hiddenCalendarIDs)},
+      {string(preferenceKeys::hudDuration), preferenceDefaults::hudDuration},
   });
 }
 

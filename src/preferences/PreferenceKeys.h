@@ -4,7 +4,7 @@
 
 /// The keys of the user's preferences. Readers ask the store each time they need a value, so that a
 /// change counts from the next read on.
-namespace valdrix::preferenceKey {
+namespace valdrix::preferenceKeys {
 
 /// Boolean: show the volume indicator and take over the volume keys.
 inline constexpr std::string_view volumeHUDEnabled = "volumeHUDEnabled";
@@ -19,4 +19,4 @@ inline constexpr std::string_view hiddenCalendarIDs = "hiddenCalendarIDs";
 /// Double: seconds that an indicator stays after the last change; 0 or less counts as the default.
 inline constexpr std::string_view hudDuration = "hudDuration";
 
-}  // namespace valdrix::preferenceKey
+}  // namespace valdrix::preferenceKeys
