@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include <QObject>
+
+#include "desktop/session/FileWatch.h"
+#include "desktop/session/IniDocument.h"
+#include "desktop/session/WholeFile.h"
+#include "observation/Token.h"
+#include "platform/TextUserDefaults.h"
+
+namespace valdrix::desktop {
+
+/// The preferences in one INI file that users may edit while the agent runs.
+///
+/// Each read looks whether the file changed, so it is never stale; a watch is there for observers
+/// only. Each write replaces the file as a whole. What cannot be written (no permission, no space,
+/// a file that cannot be read) is kept in memory for this run and goes along with the next write.
+///
+/// A file is damaged when it has lines that are neither blank, comment, group nor `key=value`, has
+/// a NUL byte, or is larger than 64 MiB. It is renamed to `<name>.broken-<number>`: at once when it
+/// is found at the start, but only before the next write when it changes meanwhile, lest it be
+/// taken from under an editor that is half done. Its readable lines stay in force, unless it is not
+/// a text at all. A value of the wrong type is no damage: it stays, and counts as missing.
+///
+/// Why not a library: QSettings waits for seconds for other writers' locks, drops comments and
+/// takes `1,5` for a list; GLib's key files refuse the bytes that a folder's name, and so a
+/// calendar's identifier, may have.
+class IniUserDefaults final : public platform::TextUserDefaults {
+ public:
+  /// `file` need not exist, nor its folder.
+  explicit IniUserDefaults(std::filesystem::path file);
+  /// Where the user's preferences are: `valdrix/valdrix.conf` in the folder for configurations.
+  [[nodiscard]] static std::filesystem::path standardFile();
+
+  void set(std::string_view key, Value value) override;
+
+  /// Calls `block` at a later turn of the loop after stored values changed, by this program or by
+  /// others; several changes may give one call.
+  [[nodiscard]] Token observeChanges(std::function<void()> block);
+
+ protected:
+  [[nodiscard]] std::optional<std::string_view> storedText(std::string_view key) const override;
+
+ private:
+  /// The file as it was when it was last looked at.
+  struct Snapshot {
+    FileStamp stamp;
+    FileContent::Status status = FileContent::Status::missing;
+    bool isDamaged = false;
+    IniDocument document;
+  };
+  using Observers = std::map<std::uint64_t, std::function<void()>>;
+
+  [[nodiscard]] Snapshot load() const;
+  [[nodiscard]] const Snapshot& current() const;
+  void replaceSnapshot(Snapshot snapshot) const;
+  void save();
+  bool setAside();
+  void scheduleNotice() const;
+  void notifyObservers() const;
+
+  std::filesystem::path file_;
+  mutable Snapshot snapshot_;
+  IniDocument::Values unsaved_;
+  std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
+  std::uint64_t nextObserver_ = 1;
+  mutable bool isNoticeScheduled_ = false;
+  mutable QObject turn_;  ///< receives the queued notice, and takes it along when it goes
+  FileWatch watch_;
+};
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,51 @@
+#include <gtest/gtest.h>
+
+#include "preferences/HiddenCalendars.h"
+
+namespace valdrix {
+namespace {
+
+TEST(HiddenCalendars, ReadsAndWritesTheStoredList) {
+  struct Case {
+    const char* stored;
+    const char* written;
+  };
+  const Case cases[] = {
+      {"", ""},
+      {",", ""},
+      {"A", "A"},
+      {"B,A", "A,B"},
+      {",,B,,A,", "A,B"},
+      {"A,A,B,A", "A,B"},
+      {" A,A ", " A,A "},
+      {"b,a,B,A", "A,B,a,b"},
+      // By code point: z (U+007A) < é (U+00E9) < U+FFFD < U+1F600.
+      {"\xF0\x9F\x98\x80,\xEF\xBF\xBD,\xC3\xA9,z", "z,\xC3\xA9,\xEF\xBF\xBD,\xF0\x9F\x98\x80"},
+      {"\"A\",'B;C'", "\"A\",'B;C'"},
+  };
+  for (const auto& [stored, written] : cases)
+    EXPECT_EQ(HiddenCalendars::parse(stored).serialized(), written) << stored;
+}
+
+TEST(HiddenCalendars, AToggleRewritesTheWholeList) {
+  auto hidden = HiddenCalendars::parse(",,B,,A,");
+  hidden.setHidden("C", true);
+  EXPECT_EQ(hidden.serialized(), "A,B,C");
+  hidden.setHidden("C", true);
+  hidden.setHidden("absent", false);
+  EXPECT_EQ(hidden.serialized(), "A,B,C");
+  for (const auto* const id : {"A", "C", "B"}) hidden.setHidden(id, false);
+  EXPECT_EQ(hidden.serialized(), "");
+  EXPECT_EQ(hidden, HiddenCalendars());
+}
+
+TEST(HiddenCalendars, ASpaceIsPartOfAnIdentifier) {
+  const auto hidden = HiddenCalendars::parse("B, A");
+  EXPECT_TRUE(hidden.contains("B"));
+  EXPECT_TRUE(hidden.contains(" A"));
+  EXPECT_FALSE(hidden.contains("A"));
+  EXPECT_FALSE(hidden.contains(""));
+}
+
+}  // namespace
+}  // namespace valdrix

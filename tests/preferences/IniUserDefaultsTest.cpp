@@ -1,0 +1,291 @@
+// What is particular to preferences in a file: other writers, damage, kills, permissions.
+
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <memory>
+#include <vector>
+
+#include <QTemporaryDir>
+#include <sys/stat.h>
+
+#include "desktop/session/IniUserDefaults.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Unprivileged.h"
+#include "tests/support/WaitFor.h"
+
+namespace valdrix::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using tests::waitFor;
+
+void write(const fs::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::trunc | std::ios::binary) << text;
+}
+
+std::string read(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+class IniUserDefaultsTest : public testing::Test {
+ protected:
+  IniUserDefaultsTest() {
+    fs::create_directories(folder_);
+    fs::permissions(root_, fs::perms::all);
+    fs::permissions(folder_, fs::perms::all);
+  }
+
+  IniUserDefaults& open() { return *(defaults_ = std::make_unique<IniUserDefaults>(file_)); }
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder_))
+      names.push_back(entry.path().filename().string());
+    std::ranges::sort(names);
+    return names;
+  }
+  using Names = std::vector<std::string>;
+
+  QTemporaryDir temporary_;
+  fs::path root_ = temporary_.path().toStdString();
+  fs::path folder_ = root_ / "config" / "valdrix";
+  fs::path file_ = folder_ / "valdrix.conf";
+  std::unique_ptr<IniUserDefaults> defaults_;
+};
+
+TEST_F(IniUserDefaultsTest, WhatOthersWroteStaysWhereItWas) {
+  write(file_, "# mine\n[General]\nfuture=a,b\nhudDuration=wrong\n[Window]\nx=1\n");
+  auto& defaults = open();
+  defaults.registerDefaults({{"hudDuration", 0.9}});
+  EXPECT_EQ(defaults.doubleForKey("hudDuration"), 0.9);
+  defaults.set("maxEvents", std::int64_t{5});
+  EXPECT_EQ(read(file_),
+            "# mine\n[General]\nfuture=a,b\nhudDuration=wrong\nmaxEvents=5\n[Window]\nx=1\n");
+  fs::permissions(file_, fs::perms(0640));
+  defaults.set("hudDuration", 2.5);
+  EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0640));
+  EXPECT_EQ(read(file_),
+            "# mine\n[General]\nfuture=a,b\nhudDuration=2.5\nmaxEvents=5\n[Window]\nx=1\n");
+  EXPECT_EQ(files(), Names{"valdrix.conf"});
+}
+
+TEST_F(IniUserDefaultsTest, ADamagedFileIsSetAsideAtTheStart) {
+  struct Case {
+    std::string name;
+    std::string content;
+    std::int64_t survivor;  ///< what "a" reads as; 7 is the registered default
+  };
+  const Case cases[] = {
+      {"cut off", "[General]\na=1\nhudDur", 1},
+      {"a line of junk", "<<<<<<< HEAD\n[General]\na=2\n", 2},
+      {"NUL bytes", std::string("[General]\na=3\n\0\0\0\0", 18), 7},
+      {"junk only",
+       "\x7F"
+       "ELF\x02\x01\x01\n",
+       7},
+  };
+  Names expectedFiles{"valdrix.conf"};
+  for (const auto& [name, content, survivor] : cases) {
+    write(file_, content);
+    auto& defaults = open();
+    defaults.registerDefaults({{"a", std::int64_t{7}}});
+    EXPECT_EQ(defaults.integerForKey("a"), survivor) << name;
+    expectedFiles.push_back("valdrix.conf.broken-" + std::to_string(expectedFiles.size()));
+    EXPECT_EQ(read(folder_ / expectedFiles.back()), content) << name;
+    defaults.set("b", true);
+    EXPECT_EQ(files(), expectedFiles) << name;
+    EXPECT_TRUE(open().boolForKey("b")) << name;
+    EXPECT_EQ(open().integerForKey("a"), survivor == 7 ? 0 : survivor) << name;
+  }
+}
+
+TEST_F(IniUserDefaultsTest, AFileOfAbsurdSizeIsSetAsideUnread) {
+  write(file_, "a=1\n");
+  fs::resize_file(file_, std::uintmax_t{1} << 40);
+  EXPECT_EQ(open().integerForKey("a"), 0);
+  EXPECT_EQ(files(), Names{"valdrix.conf.broken-1"});
+}
+
+TEST_F(IniUserDefaultsTest, AFileDamagedMeanwhileStaysInPlaceUntilTheNextWrite) {
+  auto& defaults = open();
+  defaults.set("a", std::int64_t{1});
+  write(file_, "[General]\na=2\nhalf a li");
+  EXPECT_EQ(defaults.integerForKey("a"), 2);
+  EXPECT_EQ(files(), Names{"valdrix.conf"});
+  defaults.set("b", std::int64_t{3});
+  EXPECT_EQ(read(folder_ / "valdrix.conf.broken-1"), "[General]\na=2\nhalf a li");
+  EXPECT_EQ(read(file_), "[General]\na=2\nb=3\n");
+}
+
+TEST_F(IniUserDefaultsTest, AKilledWriterLeavesWholeValuesAndNothingElse) {
+  for (int round = 0; round < 12; ++round) {
+    tests::ChildProcess writer(PREFERENCE_WRITER, {QString::fromStdString(file_.string())});
+    qint64 written = 0;
+    const int target = 3 + round;
+    ASSERT_TRUE(waitFor([&] {
+      written += writer.process().readAllStandardOutput().size();
+      return written >= target;
+    }));
+    writer.kill();
+    const auto value = open().stringForKey("run").value_or("");
+    ASSERT_GE(value.size(), 1000U);
+    EXPECT_EQ(value.size() % 1000, 0U);
+    EXPECT_EQ(value, std::string(value.size(), value.front()));
+    ASSERT_EQ(files(), Names{"valdrix.conf"});
+  }
+}
+
+TEST_F(IniUserDefaultsTest, ChangesFromOutsideAreReadAtOnceAndReported) {
+  auto& defaults = open();
+  defaults.set("a", std::int64_t{1});
+  int notices = 0;
+  const Token token = defaults.observeChanges([&] { ++notices; });
+  ASSERT_TRUE(waitFor([&] { return notices == 1; })) << "our own change";
+
+  std::int64_t next = 2;
+  const auto expectChange = [&](const char* how, auto change) {
+    SCOPED_TRACE(how);
+    const int before = notices;
+    change("[General]\na=" + std::to_string(next) + "\n");
+    EXPECT_TRUE(waitFor([&] { return notices > before; }));
+    EXPECT_EQ(defaults.integerForKey("a"), next);
+    change("[General]\na=" + std::to_string(++next) + "\n");
+    EXPECT_EQ(defaults.integerForKey("a"), next) << "without a turn of the loop";
+    ++next;
+  };
+  const auto replace = [&](const std::string& text) {
+    write(folder_ / "swap", text);
+    fs::rename(folder_ / "swap", file_);
+  };
+  expectChange("in place", [&](const std::string& text) { write(file_, text); });
+  expectChange("replaced", replace);
+  expectChange("replaced again", replace);
+  expectChange("removed and made anew", [&](const std::string& text) {
+    fs::remove(file_);
+    write(file_, text);
+  });
+  expectChange("the folder too", [&](const std::string& text) {
+    fs::remove_all(folder_.parent_path());
+    fs::create_directories(folder_);
+    write(file_, text);
+  });
+  expectChange("in the new folder", replace);
+
+  const int before = notices;
+  ASSERT_TRUE(fs::remove(file_));
+  EXPECT_TRUE(waitFor([&] { return notices > before; }));
+  EXPECT_EQ(defaults.integerForKey("a"), 0);
+}
+
+TEST_F(IniUserDefaultsTest, AnObserverMayEndItsRegistrationAndOthers) {
+  auto& defaults = open();
+  int calls = 0;
+  Token first;
+  Token second;
+  first = defaults.observeChanges([&] {
+    ++calls;
+    first.reset();
+    second.reset();
+  });
+  second = defaults.observeChanges([&] { ++calls; });
+  int sentinel = 0;
+  Token third = defaults.observeChanges([&] { ++sentinel; });
+  defaults.set("a", true);
+  ASSERT_TRUE(waitFor([&] { return sentinel == 1; }));
+  EXPECT_EQ(calls, 1);
+  defaults.set("a", true);
+  defaults.set("a", false);
+  ASSERT_TRUE(waitFor([&] { return sentinel == 2; }));
+  EXPECT_EQ(calls, 1);
+  defaults_.reset();
+  third.reset();
+}
+
+TEST_F(IniUserDefaultsTest, ALinkStaysALinkAndItsTargetIsWatched) {
+  const auto dotfiles = root_ / "dotfiles";
+  fs::create_directory(dotfiles);
+  write(dotfiles / "conf", "a=1\n");
+  fs::create_symlink("../../dotfiles/conf", file_);
+  auto& defaults = open();
+  defaults.set("b", std::int64_t{2});
+  EXPECT_TRUE(fs::is_symlink(file_));
+  EXPECT_EQ(read(dotfiles / "conf"), "a=1\nb=2\n");
+
+  int notices = 0;
+  const Token token = defaults.observeChanges([&] { ++notices; });
+  ASSERT_TRUE(waitFor([&] { return notices == 1; }));
+  write(dotfiles / "new", "a=3\n");
+  fs::rename(dotfiles / "new", dotfiles / "conf");
+  EXPECT_TRUE(waitFor([&] { return notices == 2; }));
+  EXPECT_EQ(defaults.integerForKey("a"), 3);
+
+  write(dotfiles / "conf", "junk\n");
+  open().set("a", std::int64_t{4});
+  EXPECT_TRUE(fs::is_symlink(file_));
+  EXPECT_EQ(read(dotfiles / "conf.broken-1"), "junk\n");
+  EXPECT_EQ(read(file_), "[General]\na=4\n");
+
+  fs::remove(dotfiles / "conf");
+  open().set("a", std::int64_t{5});
+  EXPECT_TRUE(fs::is_symlink(file_)) << "also a dangling one";
+  EXPECT_EQ(read(dotfiles / "conf"), "[General]\na=5\n");
+}
+
+TEST_F(IniUserDefaultsTest, WhatCannotBeWrittenCountsForThisRun) {
+  struct Case {
+    const char* name;
+    fs::path path;
+    fs::perms before;
+    fs::perms after;
+  };
+  const fs::perms readOnly = fs::perms(0555);
+  const Case cases[] = {
+      {"folder", folder_, readOnly, fs::perms::all},
+      {"file", file_, fs::perms(0444), fs::perms(0666)},
+      {"unreadable file", file_, fs::perms::none, fs::perms(0666)},
+  };
+  for (const auto& [name, path, before, after] : cases) {
+    SCOPED_TRACE(name);
+    write(file_, "[General]\na=1\n");
+    fs::permissions(path, before);
+    {
+      const tests::Unprivileged unprivileged;
+      auto& defaults = open();
+      defaults.set("a", std::int64_t{2});
+      EXPECT_EQ(defaults.integerForKey("a"), 2);
+    }
+    EXPECT_EQ(read(file_), "[General]\na=1\n");
+    EXPECT_EQ(files(), Names{"valdrix.conf"});
+    fs::permissions(path, after);
+    fs::permissions(file_, fs::perms(0666));
+    defaults_->set("b", std::int64_t{3});
+    EXPECT_EQ(read(file_), "[General]\na=2\nb=3\n") << "and goes along with the next write";
+  }
+}
+
+TEST_F(IniUserDefaultsTest, WhatIsNoFileIsLeftAlone) {
+  const auto expectMemoryOnly = [&](const char* what) {
+    SCOPED_TRACE(what);
+    auto& defaults = open();
+    EXPECT_EQ(defaults.stringForKey("a"), std::nullopt);
+    defaults.set("a", std::string("x"));
+    EXPECT_EQ(defaults.stringForKey("a"), "x");
+    EXPECT_EQ(files(), Names{"valdrix.conf"});
+  };
+  fs::create_directory(file_);
+  expectMemoryOnly("a folder");
+  fs::remove(file_);
+  ASSERT_EQ(::mkfifo(file_.c_str(), 0600), 0);
+  expectMemoryOnly("a pipe");
+  fs::remove(file_);
+  fs::create_symlink("valdrix.conf", file_);
+  expectMemoryOnly("a link to itself");
+  fs::remove(file_);
+  fs::create_symlink("/dev/zero", file_);
+  expectMemoryOnly("an endless device");
+}
+
+}  // namespace
+}  // namespace valdrix::desktop
