@@ -20,7 +20,7 @@ struct Font {
 
 /// Everything that decides how a piece of text is laid out.
 struct TextStyle {
-  Font font;
+  Font font{};
   /// Extra space after each character, in points.
   double tracking = 0;
   /// The most lines to use; 0 means as many as it takes. Text that does not fit ends in an
@@ -29,7 +29,7 @@ struct TextStyle {
   /// Shown in capitals, by the rules of `locale`.
   bool isUppercase = false;
   /// A locale identifier such as "fr_FR"; empty means the user's own.
-  std::string locale;
+  std::string locale{};
   bool operator==(const TextStyle&) const = default;
 };
 

@@ -38,18 +38,18 @@ concept Component = StatelessComponent<C> || StatefulComponent<C>;
 
 /// A fixed size for a view; a missing side stays the view's own.
 struct FrameSize {
-  std::optional<double> width;
-  std::optional<double> height;
+  std::optional<double> width{};
+  std::optional<double> height{};
   Alignment alignment = Alignment::center;
   bool operator==(const FrameSize&) const = default;
 };
 
 /// Bounds for a view's size; a missing bound leaves that side to the view.
 struct FrameLimits {
-  std::optional<double> minWidth;
-  std::optional<double> maxWidth;
-  std::optional<double> minHeight;
-  std::optional<double> maxHeight;
+  std::optional<double> minWidth{};
+  std::optional<double> maxWidth{};
+  std::optional<double> minHeight{};
+  std::optional<double> maxHeight{};
   Alignment alignment = Alignment::center;
   bool operator==(const FrameLimits&) const = default;
 };

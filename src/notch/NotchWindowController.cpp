@@ -1,0 +1,190 @@
+#include "notch/NotchWindowController.h"
+
+#include <utility>
+
+#include "notch/NotchAnimations.h"
+#include "notch/NotchGeometry.h"
+#include "notch/NotchRootView.h"
+#include "notch/NotchScreen.h"
+#include "preferences/PreferenceDefaults.h"
+#include "preferences/PreferenceKeys.h"
+#include "view/HostingView.h"
+#include "view/Transaction.h"
+
+namespace valdrix {
+
+namespace {
+
+constexpr std::uint32_t motionMask = platform::eventMask::mouseMoved |
+                                     platform::eventMask::leftMouseDragged |
+                                     platform::eventMask::rightMouseDragged;
+
+}  // namespace
+
+NotchWindowController::NotchWindowController(const platform::Platform& platform,
+                                             NotchViewModel& viewModel,
+                                             VolumeService& volumeService,
+                                             BrightnessService& brightnessService)
+    : platform_(platform),
+      viewModel_(viewModel),
+      volumeService_(volumeService),
+      brightnessService_(brightnessService),
+      trackingObserver_([this] { scheduleTrackingUpdate(); }) {}
+
+NotchWindowController::~NotchWindowController() {
+  screenObserver_.reset();
+  globalMonitor_.reset();
+  localMonitor_.reset();
+  volumeDismissTimer_.reset();
+  brightnessDismissTimer_.reset();
+}
+
+void NotchWindowController::install() {
+  buildWindow();
+  screenObserver_ = platform_.screens.observeChanges(lifetime_.weak([this] { buildWindow(); }));
+  installMouseMonitors();
+  volumeService_.setOnVolumeChanged(
+      lifetime_.weak([this](float level, bool isMuted) { showVolumeHUD(level, isMuted); }));
+  brightnessService_.setOnBrightnessChanged(
+      lifetime_.weak([this](float level) { showBrightnessHUD(level); }));
+}
+
+void NotchWindowController::buildWindow() {
+  const auto screen = panelScreen(platform_.screens);
+  if (!screen) return;
+  if (window_) window_->orderOut();
+  const view::Rect& frame = screen->frame;
+  auto window = std::make_unique<NotchWindow>(
+      platform_.panelWindows,
+      view::Rect{frame.midX() - windowSize_.width / 2, frame.maxY() - windowSize_.height,
+                 windowSize_.width, windowSize_.height});
+  auto& runLoop = platform_.runLoop;
+  auto content = std::make_unique<view::HostingView>(
+      NotchRootView{
+          .viewModel = &viewModel_, .windowSize = windowSize_, .collapsedSize = notchSize(*screen)},
+      view::HostingView::Services{.textMetrics = platform_.textMetrics,
+                                  .now = [&runLoop] { return runLoop.now(); },
+                                  .scheduleRepeatingTimer =
+                                      [&runLoop](double interval, std::function<void()> block) {
+                                        return runLoop.scheduleTimer(interval, true,
+                                                                     std::move(block));
+                                      }});
+  content->setFrame({0, 0, windowSize_.width, windowSize_.height});
+  content->setAutoresizingMask(view::HostingView::widthSizable | view::HostingView::heightSizable);
+  window->setContentView(std::move(content));
+  window->orderFrontRegardless();
+  window_ = std::move(window);
+  updateHoverState();
+  updateTracking();
+}
+
+void NotchWindowController::installMouseMonitors() {
+  globalMonitor_.reset();
+  localMonitor_.reset();
+  const auto handler = lifetime_.weak([this] { updateHoverState(); });
+  // Motion over other programs' windows, and motion over ours.
+  globalMonitor_ = platform_.pointer.addGlobalMonitorForEventsMatchingMask(motionMask, handler);
+  localMonitor_ = platform_.pointer.addLocalMonitorForEventsMatchingMask(motionMask, handler);
+}
+
+view::Rect NotchWindowController::hitRectangle(const platform::Screen& screen) const {
+  const view::Size size = notchGeometry::panelSize(viewModel_.presentation(), notchSize(screen),
+                                                   viewModel_.expandedSize);
+  return {screen.frame.midX() - size.width / 2, screen.frame.maxY() - size.height, size.width,
+          size.height};
+}
+
+void NotchWindowController::updateHoverState() {
+  if (!window_) return;
+  const auto screen = panelScreen(platform_.screens);
+  if (!screen) return;
+  const bool isInside = hitRectangle(*screen).contains(platform_.pointer.mouseLocation());
+  if (window_->ignoresMouseEvents() != !isInside) window_->setIgnoresMouseEvents(!isInside);
+  if (isInside == viewModel_.isExpanded) return;
+  if (isInside) {
+    platform_.haptics.performFeedbackPattern(platform::HapticPattern::levelChange,
+                                             platform::HapticPerformanceTime::now);
+    dropVolumeHUD();
+    dropBrightnessHUD();
+  }
+  view::withAnimation(notchAnimation::show, [&] { viewModel_.isExpanded = isInside; });
+}
+
+void NotchWindowController::updateTracking() {
+  isTrackingUpdateScheduled_ = false;
+  if (!window_) return;
+  const auto screen = panelScreen(platform_.screens);
+  if (!screen) return;
+  window_->setTrackedRectangle(trackingObserver_.track([&] { return hitRectangle(*screen); }));
+}
+
+void NotchWindowController::scheduleTrackingUpdate() {
+  // Several changes of one turn, such as an indicator that gives way to the expanded panel, are one
+  // change of the rectangle.
+  if (std::exchange(isTrackingUpdateScheduled_, true)) return;
+  platform_.runLoop.async(lifetime_.weak([this] { updateTracking(); }));
+}
+
+void NotchWindowController::showVolumeHUD(float level, bool isMuted) {
+  if (!platform_.userDefaults.boolForKey(preferenceKeys::volumeHUDEnabled)) return;
+  if (viewModel_.isExpanded) return;
+  view::withAnimation(notchAnimation::show, [&] {
+    dropBrightnessHUD();
+    viewModel_.volumeLevel = level;
+    viewModel_.isMuted = isMuted;
+    viewModel_.isVolumeHUDVisible = true;
+  });
+  scheduleVolumeHUDDismiss();
+}
+
+void NotchWindowController::showBrightnessHUD(float level) {
+  if (!platform_.userDefaults.boolForKey(preferenceKeys::brightnessHUDEnabled)) return;
+  if (viewModel_.isExpanded) return;
+  view::withAnimation(notchAnimation::show, [&] {
+    dropVolumeHUD();
+    viewModel_.brightnessLevel = level;
+    viewModel_.isBrightnessHUDVisible = true;
+  });
+  scheduleBrightnessHUDDismiss();
+}
+
+double NotchWindowController::hudDuration() const {
+  const double duration = platform_.userDefaults.doubleForKey(preferenceKeys::hudDuration);
+  return duration > 0 ? duration : preferenceDefaults::hudDuration;
+}
+
+void NotchWindowController::scheduleVolumeHUDDismiss() {
+  volumeDismissTimer_.reset();
+  volumeDismissTimer_ = platform_.runLoop.scheduleTimer(
+      hudDuration(), false, lifetime_.weak([this] { hideVolumeHUD(); }));
+}
+
+void NotchWindowController::scheduleBrightnessHUDDismiss() {
+  brightnessDismissTimer_.reset();
+  brightnessDismissTimer_ = platform_.runLoop.scheduleTimer(
+      hudDuration(), false, lifetime_.weak([this] { hideBrightnessHUD(); }));
+}
+
+void NotchWindowController::hideVolumeHUD() {
+  volumeDismissTimer_.reset();
+  view::withAnimation(notchAnimation::hide, [&] { viewModel_.isVolumeHUDVisible = false; });
+}
+
+void NotchWindowController::hideBrightnessHUD() {
+  brightnessDismissTimer_.reset();
+  view::withAnimation(notchAnimation::hide, [&] { viewModel_.isBrightnessHUDVisible = false; });
+}
+
+void NotchWindowController::dropVolumeHUD() {
+  if (!viewModel_.isVolumeHUDVisible) return;
+  volumeDismissTimer_.reset();
+  viewModel_.isVolumeHUDVisible = false;
+}
+
+void NotchWindowController::dropBrightnessHUD() {
+  if (!viewModel_.isBrightnessHUDVisible) return;
+  brightnessDismissTimer_.reset();
+  viewModel_.isBrightnessHUDVisible = false;
+}
+
+}  // namespace valdrix

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <memory>
+
+#include "media/BrightnessService.h"
+#include "media/VolumeService.h"
+#include "notch/NotchViewModel.h"
+#include "notch/NotchWindow.h"
+#include "observation/Lifetime.h"
+#include "observation/Observer.h"
+#include "observation/Token.h"
+#include "platform/Platform.h"
+
+namespace valdrix {
+
+/// Keeps the notch window on the right screen and decides what it shows: expands it under the
+/// pointer, and shows the level indicators when a level service reports. The only writer of the
+/// model's flags and levels. Main thread only.
+class NotchWindowController {
+ public:
+  NotchWindowController(const platform::Platform& platform, NotchViewModel& viewModel,
+                        VolumeService& volumeService, BrightnessService& brightnessService);
+  ~NotchWindowController();
+  NotchWindowController(const NotchWindowController&) = delete;
+  NotchWindowController& operator=(const NotchWindowController&) = delete;
+
+  /// Puts up the window and starts to listen. Called once.
+  void install();
+
+  /// Whether there is a window; none before `install` and as long as there was no screen.
+  [[nodiscard]] bool hasWindow() const { return window_ != nullptr; }
+
+ private:
+  void buildWindow();
+  void installMouseMonitors();
+  void updateHoverState();
+  [[nodiscard]] view::Rect hitRectangle(const platform::Screen& screen) const;
+
+  /// Tells the window where the pointer matters, now and after each change of what it shows.
+  void updateTracking();
+  void scheduleTrackingUpdate();
+
+  void showVolumeHUD(float level, bool isMuted);
+  void showBrightnessHUD(float level);
+  void scheduleVolumeHUDDismiss();
+  void scheduleBrightnessHUDDismiss();
+  void hideVolumeHUD();
+  void hideBrightnessHUD();
+  /// Takes an indicator away without an animation of its own, with its timer.
+  void dropVolumeHUD();
+  void dropBrightnessHUD();
+  [[nodiscard]] double hudDuration() const;
+
+  const platform::Platform& platform_;
+  std::unique_ptr<NotchWindow> window_;
+  NotchViewModel& viewModel_;
+  VolumeService& volumeService_;
+  BrightnessService& brightnessService_;
+  Token screenObserver_;
+  Token globalMonitor_;
+  Token localMonitor_;
+  Token volumeDismissTimer_;
+  Token brightnessDismissTimer_;
+  view::Size windowSize_{720, 1000};
+  Observer trackingObserver_;
+  bool isTrackingUpdateScheduled_ = false;
+  Lifetime lifetime_;
+};
+
+}  // namespace valdrix
