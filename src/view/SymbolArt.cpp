@@ -28,9 +28,9 @@ constexpr std::string_view speaker =
     "C1.35 9 1 8.65 1 8.1 V4.9 C1 4.35 1.35 4 1.9 4 Z";
 // The speaker without a band of even width along the slash.
 constexpr std::string_view speakerBelowSlash =
-    "M1.75 4 L8 10.25 V10.7 C8 11.45 7.15 11.8 6.6 11.3 L4.4 9.35 C4.1 9.1 3.8 9 3.4 9 H1.9"
-    "C1.35 9 1 8.65 1 8.1 V4.9 C1 4.4 1.3 4.05 1.75 4 Z";
-constexpr std::string_view speakerAboveSlash = "M5.2 2.94 L6.6 1.7 C7.15 1.2 8 1.55 8 2.3 V5.74 Z";
+    "M1.55 4.05 L8 10.5 V10.7 C8 11.45 7.15 11.8 6.6 11.3 L4.4 9.35 C4.1 9.1 3.8 9 3.4 9 H1.9"
+    "C1.35 9 1 8.65 1 8.1 V4.9 C1 4.5 1.2 4.15 1.55 4.05 Z";
+constexpr std::string_view speakerAboveSlash = "M5.33 2.83 L6.6 1.7 C7.15 1.2 8 1.55 8 2.3 V5.5 Z";
 constexpr std::string_view slash = "M1.5 1.5 L11.5 11.5";
 // Arcs around (7, 6.5), each 33 degrees to either side.
 constexpr std::string_view wave1 = "M9.94 4.59 A3.5 3.5 0 0 1 9.94 8.41";
