@@ -14,15 +14,15 @@ namespace valdrix::platform {
 /// bottom left of the main screen and y growing upwards.
 struct Screen {
   /// What the desktop calls it (a connector such as "eDP-1"); tells screens apart, nothing more.
-  std::string name;
-  view::Rect frame;
+  std::string name{};
+  view::Rect frame{};
   /// Device pixels per point, above 0.
   double scale = 1;
   /// How far the camera housing reaches down from the top edge, in points; 0 without one.
   double safeAreaInsetTop = 0;
   /// The usable areas of the top edge to both sides of the housing, where they are known.
-  std::optional<view::Rect> auxiliaryTopLeftArea;
-  std::optional<view::Rect> auxiliaryTopRightArea;
+  std::optional<view::Rect> auxiliaryTopLeftArea{};
+  std::optional<view::Rect> auxiliaryTopRightArea{};
   bool operator==(const Screen&) const = default;
 };
 

@@ -150,6 +150,7 @@ class LayersNode final : public NodeFor<LayersNode, ContainerNode, LayersElement
   }
 
   [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
+    proposal_ = proposal;
     Size largest;
     for (const auto& child : children_) {
       const Size size = child->sizeThatFits(proposal);
@@ -160,12 +161,16 @@ class LayersNode final : public NodeFor<LayersNode, ContainerNode, LayersElement
 
   void place(const Rect& bounds) override {
     bounds_ = bounds;
+    // Each layer is offered what the stack was offered, and not what the largest layer made of it:
+    // a shape fills the frame around the stack, whatever larger layer it lies below.
+    const auto proposal = proposal_.value_or(ProposedSize::of(bounds.size()));
     for (const auto& child : children_)
-      child->place(
-          aligned(child->sizeThatFits(ProposedSize::of(bounds.size())), bounds, alignment_));
+      child->place(aligned(child->sizeThatFits(proposal), bounds, alignment_));
   }
 
  private:
+  /// What the size that the stack is placed with was measured for.
+  std::optional<ProposedSize> proposal_;
   Alignment alignment_;
 };
 

@@ -1,0 +1,257 @@
+// Where the layers of the panel stand, taken from what is drawn.
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "notch/NotchAnimations.h"
+#include "notch/NotchRootView.h"
+#include "notch/NotchShape.h"
+#include "sim/SimTextMetrics.h"
+#include "view/HostingView.h"
+#include "view/Transaction.h"
+
+namespace valdrix {
+namespace {
+
+using view::Color;
+using view::DisplayItem;
+using view::Path;
+using view::Rect;
+using view::Size;
+
+constexpr double middle = 360;
+/// Text is laid out in a box that is this much wider than the text.
+constexpr double textSlack = 0.1;
+const Color probeColor{1, 0, 0, 1};
+
+class NotchRoot : public testing::Test {
+ protected:
+  /// Shows the panel for a notch of `size`, with a red strip as its expanded content.
+  void show(Size size = {200, 32}) {
+    hosting_ = std::make_unique<view::HostingView>(
+        NotchRootView{.viewModel = &model,
+                      .calendarContent = view::fill(view::Rectangle{}, probeColor),
+                      .collapsedSize = size},
+        view::HostingView::Services{
+            .textMetrics = metrics_, .now = [this] { return now; }, .scheduleRepeatingTimer = {}});
+    hosting_->setFrame({0, 0, 720, 1000});
+    // Fine enough that nothing is moved to a whole pixel.
+    hosting_->setScale(1e6);
+  }
+  const view::DisplayList& drawn() {
+    hosting_->prepareFrame(0);
+    return hosting_->displayList();
+  }
+  std::vector<DisplayItem> drawnIn(const Color& color) {
+    std::vector<DisplayItem> found;
+    std::ranges::copy_if(drawn(), std::back_inserter(found),
+                         [&](const DisplayItem& item) { return item.color == color; });
+    return found;
+  }
+  /// The box of the only thing of that colour.
+  Rect boxOf(const Color& color) {
+    const auto found = drawnIn(color);
+    EXPECT_EQ(found.size(), 1U);
+    return found.empty() ? Rect{} : found.front().bounds;
+  }
+  const DisplayItem& textItem() {
+    const auto& list = drawn();
+    const auto found = std::ranges::find(list, DisplayItem::Kind::text, &DisplayItem::kind);
+    EXPECT_NE(found, list.end());
+    return *found;
+  }
+  /// The symbol's box, from its parts.
+  Rect symbolBox() {
+    Rect box;
+    for (const auto& item : drawn())
+      if (item.kind != DisplayItem::Kind::text && item.bounds.maxX() < middle - 90 &&
+          item.color == Color::white())
+        box = box.united(item.bounds);
+    return box;
+  }
+
+  NotchViewModel model;
+  double now = 0;
+
+ private:
+  sim::SimTextMetrics metrics_;
+  std::unique_ptr<view::HostingView> hosting_;
+};
+
+Rect hanging(Size size) { return {middle - size.width / 2, 0, size.width, size.height}; }
+
+void expectNear(const Rect& actual, const Rect& expected) {
+  EXPECT_NEAR(actual.x, expected.x, 1e-3);
+  EXPECT_NEAR(actual.y, expected.y, 1e-3);
+  EXPECT_NEAR(actual.width, expected.width, 1e-3);
+  EXPECT_NEAR(actual.height, expected.height, 1e-3);
+}
+
+TEST_F(NotchRoot, PanelHasTheSizeAndCornersOfItsPresentation) {
+  const struct {
+    const char* what;
+    Size notch;
+    bool isExpanded, isBrightness, isVolume;
+    Size panel;
+    double radius;
+  } rows[]{
+      {"collapsed", {200, 32}, false, false, false, {200, 32}, 10},
+      {"collapsed to a housing", {184, 37}, false, false, false, {184, 37}, 10},
+      {"volume", {200, 32}, false, false, true, {280, 68}, 16},
+      {"brightness", {184, 37}, false, true, false, {280, 73}, 16},
+      {"brightness wins over volume", {200, 32}, false, true, true, {280, 68}, 16},
+      {"expanded wins", {200, 32}, true, true, true, {580, 200}, 22},
+      {"expanded below a tall housing", {200, 100}, true, false, false, {580, 236}, 22},
+      {"notch without width", {0, 30}, false, false, true, {280, 66}, 16},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    model.isExpanded = row.isExpanded;
+    model.isBrightnessHUDVisible = row.isBrightness;
+    model.isVolumeHUDVisible = row.isVolume;
+    show(row.notch);
+    // The expanded panel takes its height from its content, with a spring.
+    drawn();
+    now += 10;
+    const auto& panel = drawn().front();
+    EXPECT_EQ(panel.color, Color::black());
+    expectNear(panel.bounds, hanging(row.panel));
+    const Path outline = NotchShape{row.radius}.path(panel.bounds);
+    EXPECT_EQ(panel.path, outline);
+    ASSERT_EQ(panel.clips.size(), 1U);
+    EXPECT_EQ(*panel.clips.front(), outline);
+  }
+}
+
+TEST_F(NotchRoot, OnlyTheShownLayerIsDrawn) {
+  show();
+  EXPECT_EQ(drawn().size(), 1U) << "collapsed: nothing but the black panel";
+  model.isExpanded = true;
+  EXPECT_EQ(drawnIn(probeColor).size(), 1U);
+  EXPECT_TRUE(std::ranges::none_of(
+      drawn(), [](const auto& item) { return item.kind == DisplayItem::Kind::text; }));
+  model.isExpanded = false;
+  model.isVolumeHUDVisible = true;
+  EXPECT_TRUE(drawnIn(probeColor).empty());
+  EXPECT_EQ(textItem().text, "0%");
+}
+
+TEST_F(NotchRoot, ExpandedContentIsInsetAndOutlined) {
+  model.isExpanded = true;
+  show({184, 37});
+  const Rect content = boxOf(probeColor);
+  expectNear(content, {middle - 268, 37 + 32, 536, content.height});
+  const auto& outline = drawn().back();
+  EXPECT_EQ(outline.kind, DisplayItem::Kind::stroke);
+  EXPECT_EQ(outline.color, Color::white(0.06));
+  EXPECT_EQ(outline.lineWidth, 0.5);
+  EXPECT_TRUE(outline.clips.empty()) << "the outer half of the line shows too";
+}
+
+TEST_F(NotchRoot, ExpandedSizeIsWrittenBackForTheHitTest) {
+  const struct {
+    double notchHeight;
+    Size size;
+  } rows[]{{32, {580, 200}}, {64, {580, 200}}, {65, {580, 201}}, {100, {580, 236}}};
+  for (const auto& row : rows) {
+    show({200, row.notchHeight});
+    EXPECT_EQ(model.expandedSize.get(), row.size) << row.notchHeight;
+  }
+}
+
+TEST_F(NotchRoot, IndicatorRowLiesInTheStripBelowTheNotch) {
+  model.isVolumeHUDVisible = true;
+  model.volumeLevel = 0.5F;
+  show();
+  const double left = middle - 140 + 18;
+  const Rect symbol = symbolBox();
+  EXPECT_GE(symbol.minX(), left);
+  EXPECT_LE(symbol.maxX(), left + 18);
+  EXPECT_GE(symbol.minY(), 38);
+
+  const Rect track = boxOf(Color::white(0.18));
+  EXPECT_NEAR(track.x, left + 18 + 10, 1e-3);
+  EXPECT_NEAR(track.width, 170, 1e-3);
+  EXPECT_NEAR(track.height, 4, 1e-3);
+
+  const auto& percent = textItem();
+  EXPECT_EQ(percent.text, "50%");
+  EXPECT_EQ(percent.color, Color::white(0.7));
+  const view::Font font{.size = 11,
+                        .weight = view::FontWeight::medium,
+                        .design = view::FontDesign::rounded,
+                        .hasMonospacedDigits = true};
+  EXPECT_EQ(percent.style.font, font);
+  EXPECT_EQ(percent.style.locale, "fr_FR");
+  EXPECT_NEAR(percent.bounds.midY(), track.midY(), 1e-3);
+  EXPECT_GE(percent.bounds.minY(), 38);
+  EXPECT_LE(percent.bounds.maxY(), 68);
+}
+
+TEST_F(NotchRoot, PercentagesEndAtOneEdgeAndLeaveTheBarAlone) {
+  model.isVolumeHUDVisible = true;
+  show();
+  for (const float level : {0.06F, 0.5F, 1.0F}) {
+    model.volumeLevel = level;
+    EXPECT_NEAR(textItem().bounds.maxX(), middle + 140 - 18, textSlack) << level;
+    EXPECT_NEAR(boxOf(Color::white(0.18)).width, 170, 1e-3) << level;
+  }
+}
+
+TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  const struct {
+    bool isVolume;
+    float level;
+    bool isMuted;
+    double width;
+    double opacity;
+    const char* text;
+  } rows[]{
+      {true, 0.5F, false, 85, 1, "50%"},     {true, 1.0F, false, 170, 1, "100%"},
+      {true, 0.0F, false, 4, 1, "0%"},       {true, 0.01F, false, 4, 1, "1%"},
+      {true, 0.8F, true, 4, 0.35, "80%"},    {true, 1.5F, false, 170, 1, "100%"},
+      {true, -1.0F, false, 4, 1, "0%"},      {true, nan, false, 170, 1, "100%"},
+      {false, 0.25F, false, 42.5, 1, "25%"}, {false, 0.0F, false, 4, 1, "0%"},
+      {false, 0.25F, true, 42.5, 1, "25%"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.level);
+    model.isVolumeHUDVisible = row.isVolume;
+    model.isBrightnessHUDVisible = !row.isVolume;
+    model.volumeLevel = row.isVolume ? row.level : 0;
+    model.brightnessLevel = row.isVolume ? 0 : row.level;
+    model.isMuted = row.isMuted;
+    show();
+    const Rect track = boxOf(Color::white(0.18));
+    const auto filled = drawnIn(Color::white(row.opacity));
+    const auto bar = std::ranges::find_if(
+        filled, [&](const auto& item) { return std::abs(item.bounds.x - track.x) < 1e-3; });
+    ASSERT_NE(bar, filled.end());
+    expectNear(bar->bounds, {track.x, track.y, row.width, 4});
+    EXPECT_EQ(textItem().text, row.text);
+  }
+}
+
+TEST_F(NotchRoot, PanelAndCornersFollowOneSpring) {
+  show();
+  drawn();
+  view::withAnimation(notchAnimation::show, [&] { model.isExpanded = true; });
+  drawn();
+  for (const double time : {0.05, 0.1, 0.2, 0.3}) {
+    now = time;
+    const auto at = [&](double from, double to) {
+      return to + notchAnimation::show.motion(from - to, 0, time).position;
+    };
+    const auto& panel = drawn().front();
+    expectNear(panel.bounds, hanging({at(200, 580), at(32, 200)}));
+    EXPECT_EQ(panel.path, NotchShape{at(10, 22)}.path(panel.bounds)) << time;
+    EXPECT_EQ(*panel.clips.front(), panel.path) << time;
+  }
+}
+
+}  // namespace
+}  // namespace valdrix
