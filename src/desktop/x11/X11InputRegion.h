@@ -1,0 +1,89 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include <QObject>
+#include <QPoint>
+#include <QRect>
+
+#include "desktop/x11/X11Connection.h"
+#include "desktop/x11/X11Pointer.h"
+#include "observation/Lifetime.h"
+
+namespace valdrix::desktop {
+
+/// The part of a panel that the X server hit-tests for us: an invisible input-only window in front
+/// of the panel, shaped to the rectangle that matters. Motion elsewhere costs nothing, and what the
+/// panel's own window looks like (its shape without a compositing manager) does not matter here.
+///
+/// A shape that changes under a resting pointer makes the server send Enter and Leave although
+/// nothing moved. So the pixel under the pointer keeps belonging to where it belonged before, until
+/// the pointer moves: a hole of one pixel in a rectangle that grew, one pixel more beside a
+/// rectangle that shrank.
+class X11InputRegion {
+ public:
+  struct Handlers {
+    /// The pointer moved to a place (device pixels of the root), and whether it is inside now.
+    std::function<void(QPoint position, bool isInside)> moved;
+    /// The main button went down or up there.
+    std::function<void(QPoint position, bool isPressed)> pressed;
+  };
+
+  /// `connection` and `pointer` must outlive it.
+  X11InputRegion(X11Connection& connection, X11Pointer& pointer, Handlers handlers);
+  ~X11InputRegion();
+  X11InputRegion(const X11InputRegion&) = delete;
+  X11InputRegion& operator=(const X11InputRegion&) = delete;
+
+  /// Where the panel lies, in device pixels of the root.
+  void setFrame(const QRect& frame);
+  /// The rectangle that counts, in device pixels of the root.
+  void setRectangle(const QRect& rectangle);
+  [[nodiscard]] bool ignoresMouseEvents() const { return ignoresMouseEvents_; }
+  void setIgnoresMouseEvents(bool ignores);
+
+  void show();
+  void hide();
+  /// Puts it in front of everything.
+  void raise();
+  void setCursor(xcb_cursor_t cursor);
+  [[nodiscard]] xcb_window_t window() const { return window_; }
+
+ private:
+  [[nodiscard]] bool takes(QPoint position) const;
+  void handle(const xcb_generic_event_t& event);
+  void entered(const xcb_enter_notify_event_t& event);
+  void left(const xcb_leave_notify_event_t& event);
+  void button(const xcb_button_press_event_t& event, bool isPressed);
+  void movedTo(QPoint position, std::uint16_t state);
+  void movedElsewhere(const X11Pointer::Place& place);
+  void reportIfLeftUnseen(const X11Pointer::Place& place);
+  void settle();
+  void watchWhileLost();
+  void apply();
+
+  X11Connection& connection_;
+  X11Pointer& pointer_;
+  Handlers handlers_;
+  xcb_window_t window_ = XCB_WINDOW_NONE;
+  xcb_cursor_t cursor_ = XCB_CURSOR_NONE;
+  QRect frame_;
+  QRect rectangle_;
+  bool ignoresMouseEvents_ = false;
+  bool isShown_ = false;
+  /// The pixel under a resting pointer that belongs to the other side.
+  std::optional<QPoint> exception_;
+  QPoint position_;  ///< where the pointer was last known to be
+  bool hasPointer_ = false;
+  /// Windows came or went in the batch of events being read.
+  bool hasRestructured_ = false;
+  Token lostPointerWatch_;
+  Token eventHandler_;
+  Token batchHandler_;
+  Token motionListener_;
+  QObject context_;
+  Lifetime lifetime_;
+};
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include <QPoint>
+
+#include "desktop/x11/X11Connection.h"
+#include "observation/Lifetime.h"
+#include "observation/Listeners.h"
+#include "platform/Pointer.h"
+
+namespace valdrix::desktop {
+
+/// The pointer as the X server knows it. Panels report motion to it from their input regions; it
+/// hands it on to the monitors. While the mouse is elsewhere no event reaches this process: raw
+/// motion is watched only while a button is held or a panel has lost sight of the pointer.
+class X11Pointer final : public platform::Pointer {
+ public:
+  /// A place in device pixels from the top left of the X screen, and the buttons held there (the
+  /// server's state mask).
+  struct Place {
+    QPoint position;
+    std::uint16_t state = 0;
+  };
+
+  /// `connection` must outlive it.
+  explicit X11Pointer(X11Connection& connection);
+
+  [[nodiscard]] Token addGlobalMonitorForEventsMatchingMask(std::uint32_t mask,
+                                                            std::function<void()> handler) override;
+  [[nodiscard]] Token addLocalMonitorForEventsMatchingMask(std::uint32_t mask,
+                                                           std::function<void()> handler) override;
+  [[nodiscard]] view::Point mouseLocation() const override;
+
+  /// Asks the server. None when the pointer is on another X screen.
+  [[nodiscard]] std::optional<Place> query() const;
+
+  enum class Destination { ourWindow, elsewhere };
+  /// Motion with the buttons of `state` held has been delivered to `destination`.
+  void report(Destination destination, std::uint16_t state);
+
+  /// Calls `block` with the pointer's place after it moved anywhere, while a button is held or a
+  /// `watchMotion` token lives. Never without the XInput extension.
+  [[nodiscard]] Token addMotionListener(std::function<void(const Place&)> block);
+  [[nodiscard]] Token watchMotion();
+
+ private:
+  void selectRawEvents();
+  void handle(const xcb_generic_event_t& event);
+  void handleBatch();
+
+  X11Connection& connection_;
+  mutable view::Point lastLocation_;
+  Listeners<std::uint32_t> globalMonitors_;
+  Listeners<std::uint32_t> localMonitors_;
+  Listeners<const Place&> motionListeners_;
+  std::uint8_t xinputOpcode_ = 0;
+  int heldButtons_ = 0;
+  int watchers_ = 0;
+  bool isSelectingMotion_ = false;
+  bool hasMoved_ = false;
+  Token eventHandler_;
+  Token batchHandler_;
+  Lifetime lifetime_;
+};
+
+}  // namespace valdrix::desktop

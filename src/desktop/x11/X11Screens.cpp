@@ -1,0 +1,65 @@
+#include "desktop/x11/X11Screens.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace valdrix::desktop {
+
+X11Screens::X11Screens(const CameraHousings& housings) : housings_(housings), known_(screens()) {
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
+    watch(screen);
+    scheduleUpdate();
+  });
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &context_,
+                   [this] { scheduleUpdate(); });
+  QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &context_,
+                   [this] { scheduleUpdate(); });
+  for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+}
+
+void X11Screens::watch(QScreen* screen) {
+  const auto changed = [this] { scheduleUpdate(); };
+  QObject::connect(screen, &QScreen::geometryChanged, &context_, changed);
+  QObject::connect(screen, &QScreen::physicalDotsPerInchChanged, &context_, changed);
+  QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, &context_, changed);
+}
+
+std::vector<platform::Screen> X11Screens::screens() const {
+  const auto layout = ScreenLayout::current();
+  std::vector<platform::Screen> screens;
+  for (const auto& entry : layout.entries) {
+    platform::Screen screen{entry.name, entry.points, entry.scale, 0, std::nullopt, std::nullopt};
+    screens.push_back(screen);
+  }
+  housings_.applyTo(screens);
+  return screens;
+}
+
+std::optional<platform::Screen> X11Screens::mainScreen() const {
+  const auto all = screens();
+  if (all.empty()) return std::nullopt;
+  return all.front();
+}
+
+Token X11Screens::observeChanges(std::function<void()> block) {
+  return observers_.add(std::move(block));
+}
+
+// One change of the arrangement reaches us as many signals, with screens that overlap in between.
+// A turn of the loop later Qt has read them all.
+void X11Screens::scheduleUpdate() {
+  if (isUpdateScheduled_) return;
+  isUpdateScheduled_ = true;
+  QMetaObject::invokeMethod(
+      &context_, [this] { update(); }, Qt::QueuedConnection);
+}
+
+void X11Screens::update() {
+  isUpdateScheduled_ = false;
+  auto now = screens();
+  if (now == known_) return;
+  known_ = std::move(now);
+  observers_.notify();
+}
+
+}  // namespace valdrix::desktop

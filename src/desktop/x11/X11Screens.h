@@ -1,0 +1,38 @@
+#pragma once
+
+#include <vector>
+
+#include <QMetaObject>
+#include <QObject>
+#include <QScreen>
+
+#include "desktop/x11/CameraHousings.h"
+#include "desktop/x11/ScreenLayout.h"
+#include "observation/Listeners.h"
+#include "platform/Screens.h"
+
+namespace valdrix::desktop {
+
+/// The screens as Qt knows them, with the camera housing of the built-in panel.
+class X11Screens final : public platform::Screens {
+ public:
+  /// `housings` must outlive it.
+  explicit X11Screens(const CameraHousings& housings);
+
+  [[nodiscard]] std::vector<platform::Screen> screens() const override;
+  [[nodiscard]] std::optional<platform::Screen> mainScreen() const override;
+  [[nodiscard]] Token observeChanges(std::function<void()> block) override;
+
+ private:
+  void watch(QScreen* screen);
+  void scheduleUpdate();
+  void update();
+
+  const CameraHousings& housings_;
+  Listeners<> observers_;
+  std::vector<platform::Screen> known_;
+  bool isUpdateScheduled_ = false;
+  QObject context_;
+};
+
+}  // namespace valdrix::desktop
