@@ -14,16 +14,28 @@ Token ManualRunLoop::scheduleTimer(double interval, bool repeats, std::function<
   const bool isPositive = interval > 0;
   const auto id = nextId_++;
   timers_.emplace(Key{now_ + (isPositive ? interval : 0), id},
-                  Timer{interval, repeats && isPositive, std::move(block)});
+                  Timer{interval, repeats && isPositive, std::move(block), false});
   trace_.add("timer scheduled " + formatNumber(interval) + (repeats ? " repeating" : ""));
   return Token([this, id] { cancel(id); });
+}
+
+Token ManualRunLoop::scheduleFrame(double delay, std::function<void()> block) {
+  const auto id = nextId_++;
+  timers_.emplace(Key{now_ + delay, id}, Timer{delay, false, std::move(block), true});
+  return Token([this, id] { cancel(id); });
+}
+
+std::size_t ManualRunLoop::timerCount() const {
+  return static_cast<std::size_t>(std::count_if(
+      timers_.begin(), timers_.end(), [](const auto& entry) { return !entry.second.isFrame; }));
 }
 
 void ManualRunLoop::cancel(std::uint64_t id) {
   const auto timer = std::find_if(timers_.begin(), timers_.end(),
                                   [&](const auto& entry) { return entry.first.second == id; });
   if (timer == timers_.end()) return;
-  trace_.add("timer invalidated " + formatNumber(timer->second.interval));
+  if (!timer->second.isFrame)
+    trace_.add("timer invalidated " + formatNumber(timer->second.interval));
   timers_.erase(timer);
 }
 
@@ -50,6 +62,7 @@ bool ManualRunLoop::runFirstTimer(double until) {
   auto node = timers_.extract(timers_.begin());
   now_ = std::max(now_, node.key().first);
   const auto block = node.mapped().block;
+  if (node.mapped().isFrame) ++frameCount_;
   if (node.mapped().repeats) {
     node.key().first = now_ + node.mapped().interval;
     timers_.insert(std::move(node));

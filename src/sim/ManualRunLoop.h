@@ -21,12 +21,18 @@ class ManualRunLoop : public platform::RunLoop {
   [[nodiscard]] Token scheduleTimer(double interval, bool repeats,
                                     std::function<void()> block) override;
   void async(std::function<void()> block) override;
+  /// A one-shot timer of the simulated screen: neither traced nor counted, because frames are not
+  /// what the program asked a timer for.
+  [[nodiscard]] Token scheduleFrame(double delay, std::function<void()> block);
+
+  /// How many frame timers have run.
+  [[nodiscard]] std::uint64_t frameCount() const { return frameCount_; }
 
   /// Runs what was submitted with `async` and every timer that is due now.
   void runPending();
   /// Moves the clock on by `seconds`, running everything due on the way.
   void advance(double seconds);
-  [[nodiscard]] std::size_t timerCount() const { return timers_.size(); }
+  [[nodiscard]] std::size_t timerCount() const;
   /// When the next timer is due; infinity without one.
   [[nodiscard]] double nextTimer() const;
 
@@ -35,6 +41,7 @@ class ManualRunLoop : public platform::RunLoop {
     double interval;
     bool repeats;
     std::function<void()> block;
+    bool isFrame = false;
   };
   using Key = std::pair<double, std::uint64_t>;
 
@@ -45,6 +52,7 @@ class ManualRunLoop : public platform::RunLoop {
   Trace& trace_;
   double now_ = 0;
   std::uint64_t nextId_ = 1;
+  std::uint64_t frameCount_ = 0;
   std::map<Key, Timer> timers_;
   std::mutex queueMutex_;
   std::deque<std::function<void()>> queue_;

@@ -16,4 +16,9 @@ std::string formatNumber(double value) {
   return text == "-0" ? "0" : text;
 }
 
+std::string formatRect(const view::Rect& rect) {
+  return formatNumber(rect.x) + "," + formatNumber(rect.y) + " " + formatNumber(rect.width) + "x" +
+         formatNumber(rect.height);
+}
+
 }  // namespace valdrix::sim

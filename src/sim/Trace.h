@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "view/Geometry.h"
+
 namespace valdrix::sim {
 
 /// The record of everything observable that happened on the simulated desktop, in order, each line
@@ -28,5 +30,8 @@ class Trace {
 
 /// A number as traces show it: up to six decimals, without trailing zeros.
 [[nodiscard]] std::string formatNumber(double value);
+
+/// A rectangle as traces show it: origin and size, such as "396,-18 720x1000".
+[[nodiscard]] std::string formatRect(const view::Rect& rect);
 
 }  // namespace valdrix::sim

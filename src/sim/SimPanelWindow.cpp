@@ -1,0 +1,142 @@
+#include "sim/SimPanelWindow.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+#include <variant>
+
+#include "view/HostingView.h"
+
+namespace valdrix::sim {
+
+namespace {
+
+constexpr double frameInterval = 1.0 / 60;
+
+std::string describe(const view::Animation& animation) {
+  if (const auto* spring = std::get_if<view::Spring>(&animation))
+    return "spring " + formatNumber(spring->response) + ' ' + formatNumber(spring->dampingFraction);
+  return "ease " + formatNumber(std::get<view::EaseOut>(animation).duration);
+}
+
+std::string yesOrNo(bool value) { return value ? "true" : "false"; }
+
+}  // namespace
+
+SimPanelWindow::SimPanelWindow(Trace& trace, ManualRunLoop& runLoop, SimPointer& pointer,
+                               const view::Rect& contentRectangle,
+                               const platform::PanelConfiguration& configuration)
+    : trace_(trace),
+      runLoop_(runLoop),
+      pointer_(pointer),
+      frame_(contentRectangle),
+      configuration_(configuration),
+      trackedRectangle_{0, 0, contentRectangle.width, contentRectangle.height},
+      ignoresMouseEvents_(configuration.ignoresMouseEvents),
+      latestFrame_(-std::numeric_limits<double>::infinity()) {
+  trace_.add("window built " + formatRect(frame_));
+}
+
+SimPanelWindow::~SimPanelWindow() {
+  orderOut();
+  setContentView(nullptr);
+}
+
+void SimPanelWindow::setContentView(view::HostingView* content) {
+  leaveContent();
+  if (content_) {
+    content_->setOnNeedsFrame({});
+    content_->setOnAnimationStarted({});
+  }
+  content_ = content;
+  frameTimer_.reset();
+  if (!content_) return;
+  content_->setOnNeedsFrame([this] { requestFrame(); });
+  content_->setOnAnimationStarted(
+      [this](const view::Animation& animation) { trace_.add(describe(animation)); });
+  requestFrame();
+}
+
+void SimPanelWindow::orderFrontRegardless() {
+  std::erase(pointer_.windows_, this);
+  pointer_.windows_.push_back(this);
+  isVisible_ = true;
+  trace_.add("window ordered front");
+  drawFrame();
+}
+
+void SimPanelWindow::orderOut() {
+  if (!isVisible_) return;
+  isVisible_ = false;
+  std::erase(pointer_.windows_, this);
+  frameTimer_.reset();
+  restingPointer_.reset();
+  leaveContent();
+  trace_.add("window ordered out");
+}
+
+void SimPanelWindow::setIgnoresMouseEvents(bool ignores) {
+  if (ignores == ignoresMouseEvents_) return;
+  ignoresMouseEvents_ = ignores;
+  restingPointer_.reset();
+  if (ignores) leaveContent();
+  trace_.add("window ignores mouse events " + yesOrNo(ignores));
+}
+
+void SimPanelWindow::setTrackedRectangle(const view::Rect& rectangle) {
+  if (rectangle == trackedRectangle_) return;
+  const auto location = pointer_.mouseLocation();
+  const bool tookPointer = takes(location);
+  trackedRectangle_ = rectangle;
+  restingPointer_.reset();
+  if (takes(location) != tookPointer) restingPointer_ = location;
+  trace_.add("window tracks " + formatRect(rectangle));
+}
+
+view::Point SimPanelWindow::toContent(view::Point point) const {
+  return {point.x - frame_.minX(), frame_.maxY() - point.y};
+}
+
+bool SimPanelWindow::isTracking(view::Point point) const {
+  return isVisible_ && !trackedRectangle_.isEmpty() && trackedRectangle_.contains(toContent(point));
+}
+
+bool SimPanelWindow::takes(view::Point point) const {
+  return isVisible_ && !ignoresMouseEvents_ && isTracking(point) != (restingPointer_ == point);
+}
+
+void SimPanelWindow::pointerMoved(view::Point point) {
+  if (!takes(point)) return leaveContent();
+  isPointerInContent_ = true;
+  if (content_) content_->pointerMoved(toContent(point));
+}
+
+void SimPanelWindow::pointerPressed(view::Point point) {
+  if (content_) content_->pointerPressed(toContent(point));
+}
+
+void SimPanelWindow::pointerReleased(view::Point point) {
+  if (content_) content_->pointerReleased(toContent(point));
+}
+
+void SimPanelWindow::leaveContent() {
+  if (std::exchange(isPointerInContent_, false) && content_) content_->pointerExited();
+}
+
+void SimPanelWindow::requestFrame() {
+  if (!isVisible_ || frameTimer_) return;
+  const double delay = std::max(0.0, latestFrame_ + frameInterval - runLoop_.now());
+  frameTimer_ = runLoop_.scheduleFrame(delay, [this] {
+    frameTimer_.reset();
+    drawFrame();
+  });
+}
+
+void SimPanelWindow::drawFrame() {
+  if (!content_) return;
+  latestFrame_ = runLoop_.now();
+  const auto frame = content_->prepareFrame(frameInterval);
+  if (!frame.damage.isEmpty()) ++framesDrawn_;
+}
+
+}  // namespace valdrix::sim
