@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include <QTemporaryDir>
+
+#include "tests/support/ChildProcess.h"
+
+namespace valdrix::tests {
+
+/// A message bus of the test's own, at an address that stays the same when it is started again.
+/// This process and its children find it as their session bus.
+class PrivateBus {
+ public:
+  PrivateBus();
+  ~PrivateBus();
+  PrivateBus(const PrivateBus&) = delete;
+  PrivateBus& operator=(const PrivateBus&) = delete;
+
+  /// Starts it; whether it accepts connections.
+  [[nodiscard]] bool start();
+  /// Ends it at once, as a crash would.
+  void kill();
+  /// Makes it hang, or go on.
+  void setHanging(bool hangs);
+
+ private:
+  QTemporaryDir folder_;
+  std::unique_ptr<ChildProcess> daemon_;
+};
+
+}  // namespace valdrix::tests
