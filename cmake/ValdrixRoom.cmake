@@ -4,9 +4,13 @@
 add_library(valdrix_options INTERFACE)
 target_compile_options(valdrix_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
 target_include_directories(valdrix_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+# The core has words of its own for signals and slots.
+target_compile_definitions(valdrix_options INTERFACE QT_NO_KEYWORDS)
 if(VALDRIX_SANITIZE)
+  # The sanitizers' own code makes GCC see uninitialised values inside the standard library.
   target_compile_options(valdrix_options INTERFACE
-    -fsanitize=${VALDRIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${VALDRIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -Wno-maybe-uninitialized)
   target_link_options(valdrix_options INTERFACE -fsanitize=${VALDRIX_SANITIZE})
 endif()
 
