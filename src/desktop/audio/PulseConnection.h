@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "desktop/audio/PulseFolderWatch.h"
+#include "desktop/audio/PulseHandles.h"
+
+namespace valdrix::desktop {
+
+/// The link to the sound server, on a thread of its own: connects, and connects again whenever the
+/// server comes back. Never starts a server.
+///
+/// After a loss it tries again with growing pauses. Where the server's folder can be watched it
+/// then rests until something appears there; where it cannot (another machine's server, no runtime
+/// folder), or the server is there but doesn't answer, it goes on trying every half minute.
+class PulseConnection {
+ public:
+  struct Callbacks {
+    /// The server can be talked to, until `onLost`.
+    std::function<void(pa_context*)> onReady;
+    /// The server went away, or could not be reached.
+    std::function<void()> onLost;
+  };
+
+  /// Starts connecting. The callbacks run on the connection's thread, until the destructor returns.
+  explicit PulseConnection(Callbacks callbacks);
+  ~PulseConnection();
+  PulseConnection(const PulseConnection&) = delete;
+  PulseConnection& operator=(const PulseConnection&) = delete;
+
+  /// Runs `block` while the connection's thread runs none of the callbacks.
+  template <class F>
+  void perform(F&& block) {
+    if (!mainloop_) return;
+    pa_threaded_mainloop_lock(mainloop_.get());
+    std::forward<F>(block)();
+    pa_threaded_mainloop_unlock(mainloop_.get());
+  }
+
+ private:
+  void connect();
+  void handleState();
+  void handleLoss();
+  void scheduleAttempt(pa_usec_t delay);
+  [[nodiscard]] bool mayRest();
+  void startWatching();
+
+  Callbacks callbacks_;
+  std::optional<std::string> folder_;
+  PulseHandle<pa_threaded_mainloop> mainloop_;
+  pa_mainloop_api* api_ = nullptr;
+  std::unique_ptr<PulseFolderWatch> watch_;
+  PulseEvent<pa_time_event> attempt_;
+  PulseHandle<pa_context> context_;
+  bool isLinked_ = false;  ///< from an attempt's start until its failure or loss
+  bool isRemote_ = false;
+  pa_usec_t nextDelay_;
+};
+
+}  // namespace valdrix::desktop

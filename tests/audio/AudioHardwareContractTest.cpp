@@ -1,0 +1,270 @@
+// What every audio adapter does, on the simulated devices and on both sound servers.
+
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "desktop/audio/PulseAudioHardware.h"
+#include "desktop/session/QtRunLoop.h"
+#include "sim/ManualRunLoop.h"
+#include "sim/SimAudioHardware.h"
+#include "tests/audio/AudioProbe.h"
+#include "tests/support/SoundServer.h"
+#include "tests/support/WaitFor.h"
+
+namespace valdrix {
+namespace {
+
+using platform::AudioObjectID;
+namespace audioAddress = platform::audioAddress;
+
+/// A desktop with the devices "desk" (the default) and "head", both at full volume, and an adapter
+/// that has seen them. The operations are another program's.
+struct World {
+  virtual ~World() = default;
+  virtual platform::AudioHardware& hardware() = 0;
+  virtual bool runUntil(const std::function<bool()>& condition) = 0;
+  virtual void add(const std::string& name) = 0;
+  virtual void remove(const std::string& name) = 0;
+  virtual void makeDefault(const std::string& name) = 0;
+  virtual void setVolume(const std::string& name, float volume) = 0;
+  virtual void setMuted(const std::string& name, bool isMuted) = 0;
+};
+
+class SimulatedWorld : public World {
+ public:
+  SimulatedWorld() {
+    add("desk");
+    add("head");
+  }
+  platform::AudioHardware& hardware() override { return hardware_; }
+  bool runUntil(const std::function<bool()>& condition) override {
+    for (int step = 0; step < 1000 && !condition(); ++step) loop_.advance(0.01);
+    return condition();
+  }
+  void add(const std::string& name) override { hardware_.addDevice(name, 1.0F); }
+  void remove(const std::string& name) override { hardware_.removeDevice(hardware_.device(name)); }
+  void makeDefault(const std::string& name) override {
+    hardware_.setDefaultDevice(hardware_.device(name));
+  }
+  void setVolume(const std::string& name, float volume) override {
+    hardware_.changeVolume(hardware_.device(name), volume);
+  }
+  void setMuted(const std::string& name, bool isMuted) override {
+    hardware_.changeMute(hardware_.device(name), isMuted);
+  }
+
+ private:
+  sim::Trace trace_;
+  sim::ManualRunLoop loop_{trace_};
+  sim::SimAudioHardware hardware_{trace_, loop_};
+};
+
+template <tests::SoundServerKind kind>
+class ServerWorld : public World {
+ public:
+  ServerWorld() {
+    server_.adoptEnvironment();
+    EXPECT_TRUE(server_.start({{"desk"}, {"head"}}));
+    hardware_ = std::make_unique<desktop::PulseAudioHardware>(loop_);
+    EXPECT_TRUE(runUntil([&] { return tests::AudioProbe(*hardware_).defaultDevice() != 0; }));
+  }
+  platform::AudioHardware& hardware() override { return *hardware_; }
+  bool runUntil(const std::function<bool()>& condition) override {
+    return tests::waitFor(condition);
+  }
+  void add(const std::string& name) override { EXPECT_TRUE(server_.addSink({name})); }
+  void remove(const std::string& name) override { EXPECT_TRUE(server_.removeSink(name)); }
+  void makeDefault(const std::string& name) override { EXPECT_TRUE(server_.setDefaultSink(name)); }
+  void setVolume(const std::string& name, float volume) override {
+    EXPECT_TRUE(server_.setVolume(name, {volume}));
+  }
+  void setMuted(const std::string& name, bool isMuted) override {
+    EXPECT_TRUE(server_.setMuted(name, isMuted));
+  }
+
+ private:
+  tests::SoundServer server_{kind};
+  desktop::QtRunLoop loop_;
+  std::unique_ptr<desktop::PulseAudioHardware> hardware_;
+};
+
+template <class W>
+class AudioHardwareContract : public testing::Test {
+ protected:
+  bool runUntil(const std::function<bool()>& condition) { return world_.runUntil(condition); }
+  /// Has the user switch to "head" and back and waits until that is told: what was going to be told
+  /// before has been told by then.
+  void passTurn() {
+    const int before = probe_.defaultNotices;
+    world_.makeDefault("head");
+    ASSERT_TRUE(runUntil([&] { return probe_.defaultNotices > before; }));
+    EXPECT_NE(probe_.defaultDevice(), desk_);
+    world_.makeDefault("desk");
+    ASSERT_TRUE(runUntil([&] { return probe_.defaultNotices > before + 1; }));
+    EXPECT_EQ(probe_.defaultDevice(), desk_);
+  }
+
+  W world_;
+  tests::AudioProbe probe_{world_.hardware()};
+  const AudioObjectID desk_ = probe_.defaultDevice();
+};
+
+using Worlds = testing::Types<SimulatedWorld, ServerWorld<tests::SoundServerKind::pulseAudio>,
+                              ServerWorld<tests::SoundServerKind::pipeWire>>;
+TYPED_TEST_SUITE(AudioHardwareContract, Worlds);
+
+TYPED_TEST(AudioHardwareContract, WritesTakeEffectLaterAndAreHeardOf) {
+  auto& probe = this->probe_;
+  const auto desk = this->desk_;
+  EXPECT_GT(desk, platform::audioSystemObject);
+  probe.listenTo(desk);
+  EXPECT_EQ(probe.volume(desk), 1.0F);
+  ASSERT_TRUE(probe.setVolume(desk, 0.4375F));
+  ASSERT_TRUE(probe.setMuted(desk, true));
+  EXPECT_EQ(probe.volume(desk), 1.0F) << "a write is a request";
+  ASSERT_TRUE(this->runUntil([&] { return probe.volumeNotices > 0 && probe.muteNotices > 0; }));
+  EXPECT_NEAR(probe.volume(desk).value_or(-1), 0.4375F, 0.0001F);
+  EXPECT_EQ(probe.isMuted(desk), true);
+
+  // What is out of range is held to it.
+  for (const auto& [written, read] : {std::pair{-0.5F, 0.0F}, {1.5F, 1.0F}, {0.0F, 0.0F}}) {
+    ASSERT_TRUE(probe.setVolume(desk, written));
+    EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) == read; })) << written;
+  }
+  EXPECT_EQ(probe.isMuted(desk), true);
+  EXPECT_EQ(probe.defaultNotices, 0);
+}
+
+TYPED_TEST(AudioHardwareContract, WhatCannotBeDoneFailsAndChangesNothing) {
+  auto& hardware = this->world_.hardware();
+  auto& probe = this->probe_;
+  const auto desk = this->desk_;
+  EXPECT_FALSE(probe.setVolume(desk, std::nanf("")));
+  for (const AudioObjectID object : {0U, platform::audioSystemObject, 4711U}) {
+    EXPECT_EQ(probe.volume(object), std::nullopt) << object;
+    EXPECT_EQ(probe.isMuted(object), std::nullopt) << object;
+    EXPECT_FALSE(probe.setVolume(object, 0.5F)) << object;
+    EXPECT_FALSE(probe.setMuted(object, true)) << object;
+  }
+  std::uint32_t number = 77;
+  float level = 77;
+  EXPECT_NE(hardware.getPropertyData(desk, audioAddress::volume, number), 0);
+  EXPECT_NE(hardware.getPropertyData(desk, audioAddress::mute, level), 0);
+  EXPECT_NE(hardware.getPropertyData(desk, audioAddress::defaultOutputDevice, number), 0);
+  EXPECT_EQ(number, 77U);
+  EXPECT_EQ(level, 77.0F);
+  const Token onNobody =
+      hardware.addPropertyListenerBlock(4711, audioAddress::volume, [] { FAIL(); });
+  this->passTurn();
+  EXPECT_EQ(probe.volume(desk), 1.0F);
+}
+
+TYPED_TEST(AudioHardwareContract, AnotherProgramsChangesAreHeardOf) {
+  auto& probe = this->probe_;
+  const auto desk = this->desk_;
+  probe.listenTo(desk);
+  this->world_.setVolume("desk", 0.25F);
+  ASSERT_TRUE(this->runUntil([&] { return probe.volumeNotices > 0; }));
+  EXPECT_NEAR(probe.volume(desk).value_or(-1), 0.25F, 0.0001F);
+  this->world_.setMuted("desk", true);
+  ASSERT_TRUE(this->runUntil([&] { return probe.muteNotices > 0; }));
+  EXPECT_EQ(probe.isMuted(desk), true);
+  this->world_.setVolume("desk", 1.5F);
+  EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) > 1.49F; })) << "amplified";
+
+  // Ours, then theirs: the last one stands.
+  ASSERT_TRUE(probe.setVolume(desk, 0.5F));
+  ASSERT_TRUE(this->runUntil([&] { return probe.volume(desk) == 0.5F; }));
+  this->world_.setVolume("desk", 0.75F);
+  EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) == 0.75F; }));
+  EXPECT_EQ(probe.defaultNotices, 0);
+}
+
+TYPED_TEST(AudioHardwareContract, OnlyWhatChangedIsTold) {
+  auto& probe = this->probe_;
+  probe.listenTo(this->desk_);
+  this->world_.setVolume("head", 0.5F);
+  this->world_.setMuted("head", true);
+  this->world_.add("third");
+  this->world_.remove("third");
+  ASSERT_TRUE(probe.setVolume(this->desk_, 1));
+  ASSERT_TRUE(probe.setMuted(this->desk_, false));
+  this->passTurn();
+  EXPECT_EQ(probe.volumeNotices, 0);
+  EXPECT_EQ(probe.muteNotices, 0);
+  EXPECT_EQ(probe.defaultNotices, 2) << "one for each change of the default in passTurn";
+}
+
+TYPED_TEST(AudioHardwareContract, ABurstOfWritesEndsAtTheLastOne) {
+  auto& probe = this->probe_;
+  for (int i = 100; i >= 1; --i) {
+    ASSERT_TRUE(probe.setVolume(this->desk_, float(i) / 128));
+    if (i % 10 == 0) {
+      EXPECT_TRUE(this->runUntil([turn = false]() mutable { return std::exchange(turn, true); }));
+    }
+  }
+  EXPECT_TRUE(this->runUntil([&] { return probe.volume(this->desk_) == 1.0F / 128; }));
+  this->passTurn();
+  EXPECT_EQ(probe.volume(this->desk_), 1.0F / 128);
+}
+
+TYPED_TEST(AudioHardwareContract, TheDefaultDeviceGoesAndComesBack) {
+  auto& probe = this->probe_;
+  const auto desk = this->desk_;
+  probe.listenTo(desk);
+  this->world_.remove("desk");
+  ASSERT_TRUE(this->runUntil([&] { return probe.defaultNotices > 0; }));
+  const auto head = probe.defaultDevice();
+  EXPECT_GT(head, platform::audioSystemObject);
+  EXPECT_NE(head, desk);
+  EXPECT_TRUE(this->runUntil([&] { return !probe.volume(desk); })) << "it is not there any more";
+  EXPECT_FALSE(probe.isMuted(desk));
+  EXPECT_FALSE(probe.setVolume(desk, 0.5F));
+  EXPECT_EQ(probe.volumeNotices, 0) << "going away is no volume";
+  EXPECT_EQ(probe.muteNotices, 0);
+  EXPECT_EQ(probe.defaultNotices, 1);
+
+  this->world_.remove("head");
+  ASSERT_TRUE(this->runUntil([&] { return probe.defaultNotices > 1; }));
+  EXPECT_EQ(probe.defaultDevice(), 0U);
+  EXPECT_EQ(probe.defaultNotices, 2);
+  EXPECT_FALSE(probe.setVolume(head, 0.5F));
+
+  this->world_.add("new");
+  ASSERT_TRUE(this->runUntil([&] { return probe.defaultNotices > 2; }));
+  EXPECT_EQ(probe.defaultNotices, 3);
+  EXPECT_NE(probe.defaultDevice(), 0U);
+  EXPECT_NE(probe.defaultDevice(), desk);
+  EXPECT_NE(probe.defaultDevice(), head);
+  EXPECT_EQ(probe.volume(probe.defaultDevice()), 1.0F);
+}
+
+TYPED_TEST(AudioHardwareContract, ListenersMayComeAndGoWhileTheyAreCalled) {
+  auto& hardware = this->world_.hardware();
+  std::string calls;
+  Token second;
+  Token third;
+  Token first = hardware.addPropertyListenerBlock(this->desk_, audioAddress::volume, [&] {
+    calls += '1';
+    second.reset();
+    first.reset();
+    third =
+        hardware.addPropertyListenerBlock(this->desk_, audioAddress::volume, [&] { calls += '3'; });
+  });
+  second =
+      hardware.addPropertyListenerBlock(this->desk_, audioAddress::volume, [&] { calls += '2'; });
+  ASSERT_TRUE(this->probe_.setVolume(this->desk_, 0.5F));
+  ASSERT_TRUE(this->runUntil([&] { return !calls.empty(); }));
+  EXPECT_EQ(calls, "1");
+  ASSERT_TRUE(this->probe_.setVolume(this->desk_, 0.25F));
+  ASSERT_TRUE(this->runUntil([&] { return calls.size() > 1; }));
+  EXPECT_EQ(calls, "13");
+}
+
+}  // namespace
+}  // namespace valdrix
