@@ -35,6 +35,10 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   [[nodiscard]] const VolumeService& volumeService() const { return volumeService_; }
   [[nodiscard]] const BrightnessService& brightnessService() const { return brightnessService_; }
   [[nodiscard]] const MediaKeyMonitor& mediaKeyMonitor() const { return mediaKeyMonitor_; }
+  /// Whether the notch is on a screen.
+  [[nodiscard]] bool hasWindow() const {
+    return windowController_ && windowController_->hasWindow();
+  }
   /// The same controller every time; made on first use.
   NotchWindowController& windowController();
 

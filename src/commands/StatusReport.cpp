@@ -1,0 +1,82 @@
+#include "commands/StatusReport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
+
+#include "notch/NotchScreen.h"
+#include "notch/NotchViewModel.h"
+
+namespace valdrix::commands {
+
+namespace {
+
+QString name(NotchPresentation presentation) {
+  switch (presentation) {
+    case NotchPresentation::volumeHUD:
+      return "volumeHUD";
+    case NotchPresentation::brightnessHUD:
+      return "brightnessHUD";
+    case NotchPresentation::expanded:
+      return "expanded";
+    case NotchPresentation::collapsed:
+      break;
+  }
+  return "collapsed";
+}
+
+QJsonObject sizeObject(const view::Size& size) {
+  return {{"width", size.width}, {"height", size.height}};
+}
+
+QJsonObject notchObject(const NotchViewModel& model) {
+  return {{"presentation", name(model.presentation())},
+          {"expandedSize", sizeObject(model.expandedSize)},
+          {"volumeLevel", model.volumeLevel.get()},
+          {"isMuted", model.isMuted.get()},
+          {"brightnessLevel", model.brightnessLevel.get()}};
+}
+
+QJsonArray screensArray(const platform::Screens& screens) {
+  const auto chosen = panelScreen(screens);
+  QJsonArray array;
+  for (const auto& screen : screens.screens()) {
+    const auto& frame = screen.frame;
+    array.append(QJsonObject{
+        {"name", QString::fromStdString(screen.name)},
+        {"frame", QJsonArray{frame.x, frame.y, frame.width, frame.height}},
+        {"scale", screen.scale},
+        {"hasNotch", screen.safeAreaInsetTop > 0},
+        {"notchSize", sizeObject(notchSize(screen))},
+        {"hasPanel", chosen && *chosen == screen},
+    });
+  }
+  return array;
+}
+
+}  // namespace
+
+std::string statusReport(const AppDelegate& app, const desktop::DesktopPlatform& platform) {
+  const auto& volume = app.volumeService();
+  const auto& brightness = app.brightnessService();
+  QJsonObject keys = platform.windowSystem().mediaKeys();
+  keys["isTapInstalled"] = app.mediaKeyMonitor().isTapInstalled();
+  const QJsonObject report{
+      {"version", VALDRIX_VERSION},
+      {"notch", notchObject(app.viewModel())},
+      {"volume", QJsonObject{{"deviceID", static_cast<qint64>(volume.deviceID())},
+                             {"level", volume.level()},
+                             {"isMuted", volume.isMuted()}}},
+      {"brightness",
+       QJsonObject{{"isAvailable", brightness.isAvailable()}, {"level", brightness.level()}}},
+      {"mediaKeys", keys},
+      {"screens", screensArray(platform.ports().screens)},
+      {"hasWindow", app.hasWindow()},
+      {"framesDrawn", static_cast<qint64>(platform.windowSystem().framesDrawn())},
+      {"backends", platform.backends()},
+  };
+  return QJsonDocument(report).toJson(QJsonDocument::Indented).trimmed().toStdString();
+}
+
+}  // namespace valdrix::commands

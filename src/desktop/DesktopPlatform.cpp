@@ -1,0 +1,81 @@
+#include "desktop/DesktopPlatform.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include <QByteArray>
+
+#include "desktop/X11WindowSystem.h"
+
+namespace valdrix::desktop {
+
+namespace {
+
+template <class W>
+std::unique_ptr<WindowSystem> makeWindowSystem(platform::RunLoop& runLoop,
+                                               const QtTextMetrics& textMetrics,
+                                               std::function<void()> onKeysTaken) {
+  return std::make_unique<W>(runLoop, textMetrics, std::move(onKeysTaken));
+}
+
+/// Where the kernel's devices are; VALDRIX_SYSFS names another tree.
+std::filesystem::path sysfsRoot() {
+  const QByteArray root = qgetenv("VALDRIX_SYSFS");
+  return root.isEmpty() ? "/sys" : root.toStdString();
+}
+
+}  // namespace
+
+const std::vector<DesktopPlatform::Candidate> DesktopPlatform::candidates = {
+    {&X11WindowSystem::isApplicable, &makeWindowSystem<X11WindowSystem>},
+};
+
+std::unique_ptr<DesktopPlatform> DesktopPlatform::make(QtRunLoop& runLoop, SessionBus& bus) {
+  const auto found =
+      std::find_if(candidates.begin(), candidates.end(),
+                   [](const Candidate& candidate) { return candidate.isApplicable(); });
+  if (found == candidates.end()) return nullptr;
+  return std::unique_ptr<DesktopPlatform>(new DesktopPlatform(runLoop, bus, *found));
+}
+
+DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem)
+    : userDefaults_(IniUserDefaults::standardFile()),
+      haptics_(bus),
+      notification_(bus),
+      audioHardware_(runLoop),
+      displays_(sysfsRoot()),
+      displayServices_(displays_),
+      windowSystem_(
+          windowSystem.make(runLoop, textMetrics_,
+                            [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
+      preferencesObserver_(
+          userDefaults_.observeChanges([this] { windowSystem_->preferencesChanged(); })),
+      ports_{.runLoop = runLoop,
+             .application = application_,
+             .userDefaults = userDefaults_,
+             .screens = windowSystem_->screens(),
+             .panelWindows = windowSystem_->panelWindows(),
+             .pointer = windowSystem_->pointer(),
+             .cursor = windowSystem_->cursor(),
+             .haptics = haptics_,
+             .accessibility = windowSystem_->accessibility(),
+             .eventTaps = windowSystem_->eventTaps(),
+             .audioHardware = audioHardware_,
+             .displays = displays_,
+             .displayServices = displayServices_,
+             .textMetrics = textMetrics_} {}
+
+QJsonObject DesktopPlatform::backends() const {
+  QJsonObject backends = windowSystem_->backends();
+  backends["runLoop"] = "qt";
+  backends["userDefaults"] = "ini";
+  backends["haptics"] = "feedback-service";
+  backends["audioHardware"] = "pulse";
+  backends["displays"] = "sysfs";
+  backends["displayServices"] = "backlight";
+  backends["textMetrics"] = "qt";
+  return backends;
+}
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <QJsonObject>
+
+#include "desktop/WindowSystem.h"
+#include "desktop/audio/PulseAudioHardware.h"
+#include "desktop/display/BacklightDisplayServices.h"
+#include "desktop/display/BacklightDisplays.h"
+#include "desktop/session/DesktopNotification.h"
+#include "desktop/session/FeedbackHaptics.h"
+#include "desktop/session/IniUserDefaults.h"
+#include "desktop/session/QtApplication.h"
+#include "desktop/session/QtRunLoop.h"
+#include "desktop/session/SessionBus.h"
+#include "desktop/ui/QtTextMetrics.h"
+#include "platform/Platform.h"
+
+namespace valdrix::desktop {
+
+/// The ports of the desktop that this process runs on, each served by the first backend that
+/// applies. Needs a QGuiApplication; main thread only.
+class DesktopPlatform {
+ public:
+  /// The platform of this desktop; null when there is no window system that valdrix can serve.
+  /// `runLoop` and `bus` must outlive it.
+  [[nodiscard]] static std::unique_ptr<DesktopPlatform> make(QtRunLoop& runLoop, SessionBus& bus);
+
+  DesktopPlatform(const DesktopPlatform&) = delete;
+  DesktopPlatform& operator=(const DesktopPlatform&) = delete;
+
+  [[nodiscard]] const platform::Platform& ports() const { return ports_; }
+  [[nodiscard]] const WindowSystem& windowSystem() const { return *windowSystem_; }
+  /// Which backend serves each port, by the port's name.
+  [[nodiscard]] QJsonObject backends() const;
+
+ private:
+  /// One way to draw windows.
+  struct Candidate {
+    bool (*isApplicable)();
+    std::unique_ptr<WindowSystem> (*make)(platform::RunLoop&, const QtTextMetrics&,
+                                          std::function<void()> onKeysTaken);
+  };
+  /// In the order in which they are tried.
+  static const std::vector<Candidate> candidates;
+
+  DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem);
+
+  QtApplication application_;
+  IniUserDefaults userDefaults_;
+  FeedbackHaptics haptics_;
+  DesktopNotification notification_;
+  QtTextMetrics textMetrics_;
+  PulseAudioHardware audioHardware_;
+  BacklightDisplays displays_;
+  BacklightDisplayServices displayServices_;
+  std::unique_ptr<WindowSystem> windowSystem_;
+  Token preferencesObserver_;
+  platform::Platform ports_;
+};
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include <QJsonObject>
+
+#include "observation/Token.h"
+#include "platform/Accessibility.h"
+#include "platform/Cursor.h"
+#include "platform/EventTaps.h"
+#include "platform/PanelWindow.h"
+#include "platform/Pointer.h"
+#include "platform/Screens.h"
+
+namespace valdrix::desktop {
+
+/// The ports that come from whoever draws the windows: they only make sense together.
+class WindowSystem {
+ public:
+  virtual ~WindowSystem() = default;
+
+  /// What serves each port, for the status: port name to backend name.
+  [[nodiscard]] virtual QJsonObject backends() const = 0;
+  /// What is known of the media keys beyond the tap itself, for the status.
+  [[nodiscard]] virtual QJsonObject mediaKeys() const = 0;
+  /// Pictures of panels drawn so far.
+  [[nodiscard]] virtual std::uint64_t framesDrawn() const = 0;
+  /// The preferences may have changed: keys that would be passed on are given back.
+  virtual void preferencesChanged() = 0;
+
+  [[nodiscard]] virtual platform::Screens& screens() = 0;
+  [[nodiscard]] virtual platform::PanelWindows& panelWindows() = 0;
+  [[nodiscard]] virtual platform::Pointer& pointer() = 0;
+  [[nodiscard]] virtual platform::Cursor& cursor() = 0;
+  [[nodiscard]] virtual platform::EventTaps& eventTaps() = 0;
+  [[nodiscard]] virtual platform::Accessibility& accessibility() = 0;
+};
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "desktop/WindowSystem.h"
+#include "desktop/x11/X11Accessibility.h"
+#include "desktop/x11/X11Desktop.h"
+#include "desktop/x11/X11EventTaps.h"
+#include "platform/RunLoop.h"
+
+namespace valdrix::desktop {
+
+/// Everything that an X server serves.
+class X11WindowSystem final : public WindowSystem {
+ public:
+  /// Whether Qt runs on an X server.
+  [[nodiscard]] static bool isApplicable();
+  /// `onKeysTaken` is called once when another program has the media keys. The other arguments must
+  /// outlive it.
+  X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
+                  std::function<void()> onKeysTaken);
+
+  [[nodiscard]] QJsonObject backends() const override;
+  [[nodiscard]] QJsonObject mediaKeys() const override;
+  [[nodiscard]] std::uint64_t framesDrawn() const override;
+  void preferencesChanged() override { eventTaps_.reconsider(); }
+
+  [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }
+  [[nodiscard]] platform::PanelWindows& panelWindows() override { return desktop_.panelWindows; }
+  [[nodiscard]] platform::Pointer& pointer() override { return desktop_.pointer; }
+  [[nodiscard]] platform::Cursor& cursor() override { return desktop_.cursor; }
+  [[nodiscard]] platform::EventTaps& eventTaps() override { return eventTaps_; }
+  [[nodiscard]] platform::Accessibility& accessibility() override { return accessibility_; }
+
+ private:
+  X11Desktop desktop_;
+  X11EventTaps eventTaps_;
+  X11Accessibility accessibility_;
+};
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,40 @@
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "commands/CommandLine.h"
+#include "commands/RunCommand.h"
+
+namespace {
+
+using namespace valdrix::commands;
+
+/// Carries out one command and gives the process's exit code.
+struct Execute {
+  int& argc;
+  char** argv;
+
+  int operator()(const Run&) const { return runAgent(argc, argv); }
+  int operator()(const Status&) const { return printStatus(argc, argv); }
+  int operator()(const Quit&) const { return quitAgent(argc, argv); }
+  int operator()(const Simulate&) const { return 1; }
+  int operator()(const ShowVersion&) const {
+    std::printf("valdrix %s (build %s)\n", VALDRIX_VERSION, VALDRIX_BUILD_NUMBER);
+    return 0;
+  }
+  int operator()(const ShowHelp&) const {
+    std::fputs(usage().c_str(), stdout);
+    return 0;
+  }
+  int operator()(const Misuse& misuse) const {
+    std::fprintf(stderr, "valdrix : %s\n\n%s", misuse.reason.c_str(), usage().c_str());
+    return 2;
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const Command command = parse(std::vector<std::string>(argv + 1, argv + argc));
+  return std::visit(Execute{argc, argv}, command);
+}
