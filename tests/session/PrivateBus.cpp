@@ -14,6 +14,7 @@ PrivateBus::PrivateBus() {
   if (file.open(QIODevice::WriteOnly))
     file.write(QStringLiteral("<busconfig><listen>%1</listen>"
                               "<policy context=\"default\"><allow send_destination=\"*\"/>"
+                              "<allow receive_sender=\"*\"/>"
                               "<allow own=\"*\"/></policy></busconfig>")
                    .arg(address)
                    .toUtf8());

@@ -72,7 +72,8 @@ TEST(SingleInstance, OwnsTheNameAnswersAndIsHandedOverTo) {
 
 TEST(SingleInstance, WithoutABusTheAgentRunsAndCommandsSaySo) {
   qunsetenv("DBUS_SESSION_BUS_ADDRESS");
-  for (const char* address : {"", "unix:path=/nonexistent/bus", "autolaunch:", "nonsense"}) {
+  for (const char* address : {"", "unix:path=/nonexistent/bus", "unix:abstract=valdrix-none",
+                              "autolaunch:", "nonsense"}) {
     SCOPED_TRACE(address);
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
     qputenv("XDG_RUNTIME_DIR", "/nonexistent");
@@ -111,6 +112,8 @@ TEST(SingleInstance, AHangingBusIsNotWaitedFor) {
   Agent agent(runLoop);
   bus.setHanging(true);
   EXPECT_FALSE(Agent(runLoop).bus.waitUntilConnected(0.01)) << "given up while it is under way";
+  EXPECT_EQ(probe("status").exitCode, 1);
+  EXPECT_EQ(agent.instance.claim(), SingleInstance::Claim::only);
   bus.setHanging(false);
   EXPECT_TRUE(tests::waitFor([&] { return isConnected(agent); }));
 }

@@ -10,13 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include <QByteArray>
-
 namespace valdrix::desktop {
 
 namespace {
 
-// After so many failures in a row a bus whose socket is watched is left until the socket changes.
+constexpr int longestSilence = 1000;  // milliseconds
+// After so many failures in a row a bus that is not there is left until its socket's file changes.
 // It takes a new bus a moment from making its socket to answering.
 constexpr int mostWatchedFailures = 7;
 constexpr double firstDelay = 0.05;
@@ -38,14 +37,6 @@ std::string sessionBusAddress() {
   return startsPrograms ? std::string() : address;
 }
 
-/// The file of the socket that an address begins with, if it is one.
-std::optional<std::string> socketPath(const std::string& address) {
-  constexpr std::string_view prefix = "unix:path=";
-  if (!address.starts_with(prefix)) return std::nullopt;
-  const auto value = address.substr(prefix.size(), address.find_first_of(",;") - prefix.size());
-  return QByteArray::fromPercentEncoding(QByteArray::fromStdString(value)).toStdString();
-}
-
 QString freshConnectionName() {
   static int number = 0;
   return QStringLiteral("valdrix-session-%1").arg(++number);
@@ -53,8 +44,9 @@ QString freshConnectionName() {
 
 }  // namespace
 
-/// One try to connect, on a thread of its own, because a bus that hangs would keep the caller for
-/// as long as it likes.
+/// One try to connect, on a thread of its own. The library would wait for a bus that hangs for as
+/// long as it likes, and keep the program from ending; so the bus is asked for a sign of life
+/// first.
 class SessionBus::Attempt {
  public:
   /// `onDone` is submitted to `runLoop`, unless the attempt was abandoned before.
@@ -63,8 +55,12 @@ class SessionBus::Attempt {
     auto attempt = std::make_shared<Attempt>();
     attempt->runLoop_ = &runLoop;
     attempt->onDone_ = std::move(onDone);
-    std::thread([attempt, address = QString::fromStdString(address), name = freshConnectionName()] {
-      attempt->finish(QDBusConnection::connectToBus(address, name));
+    std::thread([attempt, address, name = freshConnectionName()] {
+      const auto state = BusSocket(address).probe(longestSilence);
+      const bool answers = state == BusSocket::State::answering;
+      attempt->finish(state,
+                      answers ? QDBusConnection::connectToBus(QString::fromStdString(address), name)
+                              : QDBusConnection(name));
     }).detach();
     return attempt;
   }
@@ -80,6 +76,12 @@ class SessionBus::Attempt {
     return connection_;
   }
 
+  /// What stood at the address; once there is a result.
+  [[nodiscard]] BusSocket::State state() {
+    const std::lock_guard lock(mutex_);
+    return state_;
+  }
+
   void abandon() {
     const std::lock_guard lock(mutex_);
     runLoop_ = nullptr;
@@ -87,8 +89,9 @@ class SessionBus::Attempt {
   }
 
  private:
-  void finish(const QDBusConnection& connection) {
+  void finish(BusSocket::State state, const QDBusConnection& connection) {
     const std::lock_guard lock(mutex_);
+    state_ = state;
     if (!runLoop_) return QDBusConnection::disconnectFromBus(connection.name());
     connection_ = connection;
     runLoop_->async(onDone_);
@@ -100,6 +103,7 @@ class SessionBus::Attempt {
   platform::RunLoop* runLoop_ = nullptr;
   std::function<void()> onDone_;
   std::optional<QDBusConnection> connection_;
+  BusSocket::State state_ = BusSocket::State::absent;
 };
 
 SessionBus::SessionBus(platform::RunLoop& runLoop)
@@ -107,10 +111,10 @@ SessionBus::SessionBus(platform::RunLoop& runLoop)
   if (address_.empty()) return;
   loss_.setSingleShot(true);
   QObject::connect(&loss_, &QTimer::timeout, &loss_, [this] { handleLoss(); });
-  if (const auto path = socketPath(address_)) {
+  if (const auto path = BusSocket(address_).path()) {
     socketWatch_ = std::make_unique<FileWatch>(*path, [this] {
       failures_ = 0;
-      if (!connection_ && !attempt_) retryLater();
+      if (!connection_ && !attempt_) retryLater(BusSocket::State::absent);
     });
   }
   connect();
@@ -141,13 +145,14 @@ void SessionBus::connect() {
 void SessionBus::finishAttempt() {
   // Comes twice when somebody waited for the attempt.
   if (!attempt_ || !attempt_->result()) return;
-  auto connection = *std::exchange(attempt_, nullptr)->result();
+  const auto attempt = std::exchange(attempt_, nullptr);
+  auto connection = *attempt->result();
   // The library's own signal of a lost connection wants a slot by name: a timer has one.
   connection.connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
                      "Disconnected", &loss_, SLOT(start()));
   if (!connection.isConnected()) {
     QDBusConnection::disconnectFromBus(connection.name());
-    return retryLater();
+    return retryLater(attempt->state());
   }
   failures_ = 0;
   connection_ = connection;
@@ -168,11 +173,12 @@ void SessionBus::handleLoss() {
   const auto name = connection_->name();
   connection_.reset();
   QDBusConnection::disconnectFromBus(name);
-  retryLater();
+  retryLater(BusSocket::State::absent);
 }
 
-void SessionBus::retryLater() {
-  if (socketWatch_ && failures_ >= mostWatchedFailures) return;
+void SessionBus::retryLater(BusSocket::State state) {
+  const bool isToldOfChanges = socketWatch_ && state == BusSocket::State::absent;
+  if (isToldOfChanges && failures_ >= mostWatchedFailures) return;
   const double delay = std::min(firstDelay * std::exp2(failures_), longestDelay);
   failures_ = std::min(failures_ + 1, 100);
   retry_ = runLoop_.scheduleTimer(delay, false, [this] { connect(); });

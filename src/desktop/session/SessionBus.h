@@ -9,6 +9,7 @@
 #include <QDBusConnection>
 #include <QTimer>
 
+#include "desktop/session/BusSocket.h"
 #include "desktop/session/FileWatch.h"
 #include "observation/Token.h"
 #include "platform/RunLoop.h"
@@ -40,7 +41,7 @@ class SessionBus {
   void finishAttempt();
   void tellObservers();
   void handleLoss();
-  void retryLater();
+  void retryLater(BusSocket::State state);
 
   platform::RunLoop& runLoop_;
   std::string address_;

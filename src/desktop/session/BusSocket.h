@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace valdrix::desktop {
+
+/// The socket at which a message bus listens.
+class BusSocket {
+ public:
+  enum class State {
+    absent,     ///< nobody listens
+    silent,     ///< somebody listens but does not react
+    answering,  ///< a bus is there, as far as can be told
+  };
+
+  /// `address` as in DBUS_SESSION_BUS_ADDRESS; of a list the first counts.
+  explicit BusSocket(std::string address) : address_(std::move(address)) {}
+
+  /// The socket's file, where it has one.
+  [[nodiscard]] std::optional<std::string> path() const;
+  /// What the bus says to a greeting, waiting for it no longer than `milliseconds`. Addresses other
+  /// than local sockets are taken to answer.
+  [[nodiscard]] State probe(int milliseconds) const;
+
+ private:
+  std::string address_;
+};
+
+}  // namespace valdrix::desktop
