@@ -28,7 +28,8 @@ class Trace {
   std::vector<Line> lines_;
 };
 
-/// A number as traces show it: up to six decimals, without trailing zeros.
+/// A number as traces show it: up to six decimals, without trailing zeros; a huge one with an
+/// exponent.
 [[nodiscard]] std::string formatNumber(double value);
 
 /// A rectangle as traces show it: origin and size, such as "396,-18 720x1000".
