@@ -1,0 +1,157 @@
+// How scenarios are read, judged and painted. What they can do is shown by tests/scenarios.
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <vector>
+
+#include "sim/Scenario.h"
+#include "sim/ScenarioError.h"
+#include "sim/ScenarioPlayer.h"
+#include "sim/Simulate.h"
+#include "sim/TraceChannels.h"
+#include "sim/TraceDifference.h"
+
+namespace valdrix::sim {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The line that a scenario fails in; 0 when it plays.
+int failingLine(const std::string& text) {
+  try {
+    ScenarioPlayer().play(Scenario::parse(text));
+    return 0;
+  } catch (const ScenarioError& error) {
+    EXPECT_FALSE(std::string(error.what()).empty());
+    return error.line();
+  }
+}
+
+TEST(Scenario, NamesTheLineThatMakesNoSense) {
+  const struct {
+    const char* text;
+    int line;
+  } rows[]{
+      {"", 0},
+      {"# nothing\n\nlaptop # one\r\nlaunch\n---\nanything goes here", 0},
+      {"laptop\nlaunch\ndance", 3},
+      {"laptop launch", 1},
+      {"at", 1},
+      {"at soon launch", 1},
+      {"at -1 launch", 1},
+      {"at nan launch", 1},
+      {"at 1e9 launch", 1},
+      {"laptop\nat 2\nat 1 launch", 3},
+      {"launch\nlaunch", 2},
+      {"quit", 1},
+      {"show model", 1},
+      {"show", 1},
+      {"screen add \"eDP 1\" 0 0 1512 982", 0},
+      {"screen add \"eDP 1 0 0 1512 982", 1},
+      {"screen add eDP-1 0 0 1512", 1},
+      {"screen add eDP-1 0 0 -1512 982", 1},
+      {"screen add eDP-1 0 0 1512 982 scale 0", 1},
+      {"screen add eDP-1 0 0 1512 982 housing 2000 32", 1},
+      {"device add speakers volume 1.5", 1},
+      {"device volume speakers 0.5", 1},
+      {"display add 0 built-in", 1},
+      {"display add 1 built-in steps 0", 1},
+      {"press volume-sideways", 1},
+      {"press mute with fingers", 1},
+      {"press mute with", 1},
+      {"press code 65536", 1},
+      {"key mute repeat 0", 1},
+      {"pointer 1", 1},
+      {"picture a.png", 1},
+      {"laptop\nlaunch\npicture ../a.png", 3},
+      {"laptop\nlaunch\npicture a.bmp", 3},
+  };
+  for (const auto& row : rows) EXPECT_EQ(failingLine(row.text), row.line) << row.text;
+}
+
+TEST(Trace, HasADocumentedChannelForEveryLine) {
+  ScenarioPlayer player;
+  player.play(Scenario::parse(
+      "laptop\ntrust refused\nlaunch\ntrust granted\nat 3\npress volume-up\npress brightness-up\n"
+      "press code 9\nat 5 pointer 756 970\nclick\nreport timers\nreport frames\npicture a.png\n"
+      "tap timeout\nscreen remove eDP-1\nquit"));
+  for (const auto& line : player.desktop().trace.lines())
+    EXPECT_TRUE(isTraceChannel(line.text.substr(0, line.text.find(' ')))) << line.text;
+}
+
+TEST(TraceDifference, MarksWhatOnlyOneSideHas) {
+  EXPECT_EQ(traceDifference({"a", "b"}, {"a", "b"}), "");
+  EXPECT_EQ(traceDifference({"a", "bb", "c"}, {"a", "x", "c", "d"}),
+            "a    a\n"
+            "bb <\n"
+            "   > x\n"
+            "c    c\n"
+            "   > d\n");
+  EXPECT_EQ(traceDifference({}, {"a"}), " > a\n");
+}
+
+class SimulateFile : public testing::Test {
+ protected:
+  SimulateFile() { fs::create_directories(folder_); }
+  ~SimulateFile() override { fs::remove_all(folder_); }
+
+  int play(const std::string& text, FramePainter* painter = nullptr) {
+    std::ofstream(file()) << text;
+    return simulate({.file = file(), .framesFolder = folder_ / "new" / "frames", .scale = 2}, out,
+                    errors, painter);
+  }
+  [[nodiscard]] fs::path file() const { return folder_ / "scenario.txt"; }
+
+  std::ostringstream out;
+  std::ostringstream errors;
+
+ private:
+  const fs::path folder_ =
+      fs::path(testing::TempDir()) /
+      ("valdrix-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+};
+
+TEST_F(SimulateFile, ExitCodeTellsHowItWent) {
+  const std::string scenario = "show presentation\nlaptop\nlaunch\nat 1 press mute\n";
+  EXPECT_EQ(play(scenario), 0);
+  EXPECT_EQ(out.str(), "         1  presentation volumeHUD\n");
+  EXPECT_EQ(play(scenario + "---\n\n# as above\n1 presentation\tvolumeHUD  \n"), 0);
+  EXPECT_EQ(errors.str(), "");
+  EXPECT_EQ(play(scenario + "---\n1 presentation expanded\n"), 1);
+  EXPECT_NE(errors.str().find("> 1 presentation volumeHUD\n"), std::string::npos) << errors.str();
+}
+
+TEST_F(SimulateFile, SaysWhereAScenarioIsWrong) {
+  EXPECT_EQ(play("laptop\nlunch\n"), 2);
+  EXPECT_EQ(errors.str().rfind(file().string() + ":2: ", 0), 0U) << errors.str();
+  EXPECT_EQ(simulate({.file = file().string() + ".missing"}, out, errors, nullptr), 2);
+  EXPECT_EQ(simulate({.file = file().parent_path()}, out, errors, nullptr), 2);
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(SimulateFile, PicturesShowThePanelWithRoomAroundIt) {
+  struct Painter : FramePainter {
+    bool paint(const view::HostingView& content, const view::Rect& part, double scale,
+               const fs::path& file) override {
+      EXPECT_FALSE(content.displayList().empty());
+      EXPECT_TRUE(fs::is_directory(file.parent_path()));
+      EXPECT_EQ(scale, 2);
+      parts.push_back(part);
+      return file.filename() != "unwritable.png";
+    }
+    std::vector<view::Rect> parts;
+  } painter;
+  const std::string scenario =
+      "laptop\nlaunch\npicture collapsed.png\nat 1 pointer 756 970\nat 9 picture expanded.png\n";
+  EXPECT_EQ(play(scenario, &painter), 0);
+  // The outline's outer half reaches over the expanded panel's edge.
+  const std::vector<view::Rect> expected{{240, 0, 240, 52}, {49, 0, 622, 221}};
+  EXPECT_EQ(painter.parts, expected);
+  EXPECT_EQ(play(scenario + "picture unwritable.png\n", &painter), 2);
+}
+
+}  // namespace
+}  // namespace valdrix::sim
