@@ -4,6 +4,7 @@
 
 #include "commands/CommandLine.h"
 #include "commands/RunCommand.h"
+#include "commands/SimulateCommand.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ struct Execute {
   int operator()(const Run&) const { return runAgent(argc, argv); }
   int operator()(const Status&) const { return printStatus(argc, argv); }
   int operator()(const Quit&) const { return quitAgent(argc, argv); }
-  int operator()(const Simulate&) const { return 1; }
+  int operator()(const Simulate& command) const { return simulateScenario(command, argc, argv); }
   int operator()(const ShowVersion&) const {
     std::printf("valdrix %s (build %s)\n", VALDRIX_VERSION, VALDRIX_BUILD_NUMBER);
     return 0;

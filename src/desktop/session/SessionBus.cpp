@@ -111,12 +111,6 @@ SessionBus::SessionBus(platform::RunLoop& runLoop)
   if (address_.empty()) return;
   loss_.setSingleShot(true);
   QObject::connect(&loss_, &QTimer::timeout, &loss_, [this] { handleLoss(); });
-  if (const auto path = BusSocket(address_).path()) {
-    socketWatch_ = std::make_unique<FileWatch>(*path, [this] {
-      failures_ = 0;
-      if (!connection_ && !attempt_) retryLater(BusSocket::State::absent);
-    });
-  }
   connect();
 }
 
@@ -137,8 +131,19 @@ Token SessionBus::observeConnections(std::function<void(QDBusConnection&)> block
   return Token([this, observer] { observers_.erase(observer); });
 }
 
+void SessionBus::watchSocket() {
+  const auto path = BusSocket(address_).path();
+  if (socketWatch_ || !path) return;
+  socketWatch_ = std::make_unique<FileWatch>(*path, [this] {
+    failures_ = 0;
+    if (!attempt_) retryLater(BusSocket::State::absent);
+  });
+}
+
 void SessionBus::connect() {
   retry_.reset();
+  // Watched before the attempt, so that a bus that comes in between is not missed.
+  watchSocket();
   attempt_ = Attempt::start(address_, runLoop_, [this] { finishAttempt(); });
 }
 
@@ -156,6 +161,8 @@ void SessionBus::finishAttempt() {
   }
   failures_ = 0;
   connection_ = connection;
+  // The folder of the socket is a busy place; who is connected need not be woken by it.
+  socketWatch_.reset();
   tellObservers();
 }
 

@@ -38,6 +38,7 @@ class SessionBus {
   class Attempt;
 
   void connect();
+  void watchSocket();
   void finishAttempt();
   void tellObservers();
   void handleLoss();
