@@ -82,6 +82,7 @@ const Machine machines[] = {
      R"(connector gpu0 card0-DP-1 connected enabled
         backlight ddcci5 raw gpu0/drm/card0/card0-DP-1/i2c-5/ddcci5
         backlight ddcci6 raw gpu0/i2c-6/ddcci6
+        backlight external raw gpu0/drm/card0/card0-DP-1
         backlight appledisplay0 raw usb1/1-2/1-2:1.1)",
      "", ""},
     {"a panel and a monitor with a backlight",
