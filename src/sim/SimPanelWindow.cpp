@@ -86,10 +86,10 @@ void SimPanelWindow::setIgnoresMouseEvents(bool ignores) {
 void SimPanelWindow::setTrackedRectangle(const view::Rect& rectangle) {
   if (rectangle == trackedRectangle_) return;
   const auto location = pointer_.mouseLocation();
-  const bool tookPointer = takes(location);
+  const bool hadPointer = watches(location);
   trackedRectangle_ = rectangle;
   restingPointer_.reset();
-  if (takes(location) != tookPointer) restingPointer_ = location;
+  if (isVisible_ && watches(location) != hadPointer) restingPointer_ = location;
   trace_.add("window tracks " + formatRect(rectangle));
 }
 
@@ -97,12 +97,14 @@ view::Point SimPanelWindow::toContent(view::Point point) const {
   return {point.x - frame_.minX(), frame_.maxY() - point.y};
 }
 
-bool SimPanelWindow::isTracking(view::Point point) const {
-  return isVisible_ && !trackedRectangle_.isEmpty() && trackedRectangle_.contains(toContent(point));
+bool SimPanelWindow::watches(view::Point point) const {
+  const bool isInside =
+      !trackedRectangle_.isEmpty() && trackedRectangle_.contains(toContent(point));
+  return isVisible_ && isInside != (restingPointer_ == point);
 }
 
 bool SimPanelWindow::takes(view::Point point) const {
-  return isVisible_ && !ignoresMouseEvents_ && isTracking(point) != (restingPointer_ == point);
+  return !ignoresMouseEvents_ && watches(point);
 }
 
 void SimPanelWindow::pointerMoved(view::Point point) {

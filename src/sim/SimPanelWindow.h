@@ -40,7 +40,8 @@ class SimPanelWindow final : public platform::PanelWindow {
  private:
   friend class SimPointer;
 
-  [[nodiscard]] bool isTracking(view::Point point) const;
+  /// Whether the pointer matters there, given what it has rested through.
+  [[nodiscard]] bool watches(view::Point point) const;
   [[nodiscard]] bool takes(view::Point point) const;
   void forgetRestingPointer() { restingPointer_.reset(); }
   void pointerMoved(view::Point point);

@@ -39,12 +39,14 @@ SimPanelWindow* SimPointer::windowUnderPointer() const {
 
 void SimPointer::moveTo(view::Point to, std::uint32_t kind, bool isForeignDrag) {
   if (to == location_) return;
-  const auto from = std::exchange(location_, to);
-  const bool matters = std::ranges::any_of(windows_, [&](const auto* window) {
-    return window->isTracking(from) || window->isTracking(to);
-  });
+  const auto watched = [this] {
+    return std::ranges::any_of(windows_,
+                               [&](const auto* window) { return window->watches(location_); });
+  };
+  const bool wasWatched = watched();
+  location_ = to;
   for (auto* window : windows_) window->forgetRestingPointer();
-  if (!matters) return;
+  if (!wasWatched && !watched()) return;
   const bool isLocal = windowUnderPointer() && !isForeignDrag;
   (isLocal ? localMonitors_ : globalMonitors_).notify(kind);
   for (auto* window : std::vector(windows_))

@@ -63,6 +63,7 @@ void enter(platform::Screen& screen, const view::Rect& cutout) {
 }
 
 QByteArray contents(const QString& path) {
+  if (path.isEmpty()) return {};
   QFile file(path);
   return file.open(QIODevice::ReadOnly) ? file.read(1 << 20) : QByteArray();
 }

@@ -84,18 +84,20 @@ void X11InputRegion::setRectangle(const QRect& rectangle) {
 // A quick pointer can be through the old rectangle and out of the new one before the new one is
 // set.
 void X11InputRegion::reportIfLeftUnseen(const X11Pointer::Place& place) {
-  if (ignoresMouseEvents_ || hasPointer_ || takes(place.position) || place.position == position_)
-    return;
+  const bool countsAsInside = !ignoresMouseEvents_ && rectangle_.contains(position_);
+  if (!countsAsInside || hasPointer_ || rectangle_.contains(place.position)) return;
   QMetaObject::invokeMethod(
-      &context_, [this, place] { movedTo(place.position, place.state); }, Qt::QueuedConnection);
+      &context_, [this, place] { movedElsewhere(place); }, Qt::QueuedConnection);
 }
 
 void X11InputRegion::setIgnoresMouseEvents(bool ignores) {
   if (ignores == ignoresMouseEvents_) return;
   ignoresMouseEvents_ = ignores;
+  const auto place = pointer_.query();
+  // The server sends Enter when the hole under a resting pointer closes.
+  if (place && exception_ == place->position) position_ = place->position;
   exception_.reset();
-  if (const auto place = pointer_.query(); ignores && place && rectangle_.contains(place->position))
-    exception_ = place->position;
+  if (ignores && place && rectangle_.contains(place->position)) exception_ = place->position;
   apply();
 }
 
@@ -188,16 +190,19 @@ void X11InputRegion::button(const xcb_button_press_event_t& event, bool isPresse
 }
 
 void X11InputRegion::movedTo(QPoint position, std::uint16_t state) {
-  if (position == position_) return;
-  position_ = position;
+  const bool isOurs = !ignoresMouseEvents_ && rectangle_.contains(position);
+  report({position, state},
+         isOurs ? X11Pointer::Destination::ourWindow : X11Pointer::Destination::elsewhere);
+}
+
+void X11InputRegion::report(const X11Pointer::Place& place, X11Pointer::Destination destination) {
+  if (place.position == position_) return;
+  position_ = place.position;
   exception_.reset();
-  const bool isInside = rectangle_.contains(position);
-  const bool isOurs = isInside && !ignoresMouseEvents_;
   // Those who are told may replace the window.
   const auto isAlive = lifetime_.weak([] { return true; });
-  pointer_.report(isOurs ? X11Pointer::Destination::ourWindow : X11Pointer::Destination::elsewhere,
-                  state);
-  if (isAlive()) handlers_.moved(position, isInside);
+  pointer_.report(destination, place.state);
+  if (isAlive()) handlers_.moved(place.position, rectangle_.contains(place.position));
   if (isAlive()) settle();
 }
 
@@ -206,11 +211,10 @@ void X11InputRegion::movedTo(QPoint position, std::uint16_t state) {
 void X11InputRegion::movedElsewhere(const X11Pointer::Place& place) {
   if (!isShown_ || hasPointer_) return;
   const bool matters = rectangle_.contains(position_) || rectangle_.contains(place.position);
-  if (matters) {
-    movedTo(place.position, place.state);
-  } else {
+  if (matters)
+    report(place, X11Pointer::Destination::elsewhere);
+  else
     position_ = place.position;
-  }
 }
 
 void X11InputRegion::settle() {

@@ -57,6 +57,7 @@ class X11InputRegion {
   void left(const xcb_leave_notify_event_t& event);
   void button(const xcb_button_press_event_t& event, bool isPressed);
   void movedTo(QPoint position, std::uint16_t state);
+  void report(const X11Pointer::Place& place, X11Pointer::Destination destination);
   void movedElsewhere(const X11Pointer::Place& place);
   void reportIfLeftUnseen(const X11Pointer::Place& place);
   void settle();
