@@ -10,7 +10,7 @@ namespace {
 
 /// Below this distance from 1 a damping fraction counts as critical, where the other two formulas
 /// would divide by almost nothing.
-constexpr double criticalBand = 1e-4;
+constexpr double criticalBand = 1e-7;
 
 }  // namespace
 
