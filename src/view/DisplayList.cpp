@@ -1,5 +1,6 @@
 #include "view/DisplayList.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "view/Canvas.h"
@@ -58,17 +59,19 @@ Rect difference(const DisplayList& before, const DisplayList& after) {
       return damage;
     }
   }
-  std::unordered_multimap<std::uint64_t, const DisplayItem*> gone;
-  for (const auto& item : before) gone.emplace(item.owner, &item);
+  std::unordered_multimap<std::uint64_t, std::size_t> gone;
+  for (std::size_t i = 0; i < before.size(); ++i) gone.emplace(before[i].owner, i);
+  std::size_t next = 0;
   for (const auto& item : after) {
-    auto [first, last] = gone.equal_range(item.owner);
-    while (first != last && !first->second->looksLike(item)) ++first;
-    if (first != last)
-      gone.erase(first);
-    else
-      damage = damage.united(visibleBounds(item));
+    auto [match, last] = gone.equal_range(item.owner);
+    while (match != last && !before[match->second].looksLike(item)) ++match;
+    // One that has come in front of others, or went behind them, counts as changed.
+    if (match == last || match->second < next) damage = damage.united(visibleBounds(item));
+    if (match == last) continue;
+    next = std::max(next, match->second);
+    gone.erase(match);
   }
-  for (const auto& [owner, item] : gone) damage = damage.united(visibleBounds(*item));
+  for (const auto& [owner, index] : gone) damage = damage.united(visibleBounds(before[index]));
   return damage;
 }
 
