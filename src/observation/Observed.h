@@ -25,7 +25,8 @@ class Observed {
   /// Stores `value` and tells the readers when it differs from the stored one.
   void set(T value) {
     if (value == value_) return;
-    readers_.mutate([&] { value_ = std::move(value); });
+    value_ = std::move(value);
+    readers_.tell();
   }
   Observed& operator=(T value) {
     set(std::move(value));

@@ -9,12 +9,9 @@ std::shared_ptr<Observer::State>& Observer::tracking() {
   return state;
 }
 
-Observer::Observer(Callbacks callbacks) : state_(std::make_shared<State>()) {
-  state_->callbacks = std::move(callbacks);
+Observer::Observer(std::function<void()> didChange) : state_(std::make_shared<State>()) {
+  state_->didChange = std::move(didChange);
 }
-
-Observer::Observer(std::function<void()> didChange)
-    : Observer(Callbacks{.willChange = nullptr, .didChange = std::move(didChange)}) {}
 
 Observer::~Observer() { stop(); }
 
@@ -36,9 +33,8 @@ void ObserverList::dropStaleEntries() const {
 void ObserverList::registerReader() const {
   const auto& reader = Observer::tracking();
   if (!reader) return;
-  const auto known = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-    return entry.state.lock() == reader;
-  });
+  const auto known = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const Entry& entry) { return entry.state.lock() == reader; });
   if (known != entries_.end()) {
     known->generation = reader->generation;
     return;
@@ -48,14 +44,13 @@ void ObserverList::registerReader() const {
   entries_.push_back({reader, reader->generation});
 }
 
-void ObserverList::tell(std::function<void()> Observer::Callbacks::*callback) {
+void ObserverList::tell() {
   dropStaleEntries();
   // A copy: callbacks read values, which registers readers here, and may end observers.
   const auto readers = entries_;
   for (const auto& entry : readers) {
     const auto state = entry.state.lock();
-    if (!state || state->generation != entry.generation) continue;
-    if (const auto& call = state->callbacks.*callback) call();
+    if (state && state->generation == entry.generation) state->didChange();
   }
 }
 

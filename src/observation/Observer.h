@@ -12,17 +12,9 @@ namespace valdrix {
 ///
 /// `track` runs a block and registers the observer with every `Observed` value that the block
 /// reads, in place of those of the run before. From then on each change of one of them calls
-/// `willChange` while the old value still stands, and `didChange` once the new one does. Main
-/// thread only.
+/// `didChange`, until `stop` or the observer's end. Main thread only.
 class Observer {
  public:
-  struct Callbacks {
-    std::function<void()> willChange;
-    std::function<void()> didChange;
-  };
-
-  explicit Observer(Callbacks callbacks);
-  /// An observer that only wants to know afterwards.
   explicit Observer(std::function<void()> didChange);
   ~Observer();
   Observer(const Observer&) = delete;
@@ -41,7 +33,7 @@ class Observer {
  private:
   friend class ObserverList;
   struct State {
-    Callbacks callbacks;
+    std::function<void()> didChange;
     std::uint64_t generation = 0;
   };
   /// The observer that is tracking now, or none.
@@ -71,13 +63,9 @@ class ObserverList {
   /// Registers the observer that is tracking now, if there is one.
   void registerReader() const;
 
-  /// Runs `mutation` between the two calls to each registered observer.
-  template <class F>
-  void mutate(F&& mutation) {
-    tell(&Observer::Callbacks::willChange);
-    std::forward<F>(mutation)();
-    tell(&Observer::Callbacks::didChange);
-  }
+  /// Calls each registered observer once. The list may be gone when this returns: an observer may
+  /// end the object that holds the value.
+  void tell();
 
  private:
   struct Entry {
@@ -86,7 +74,6 @@ class ObserverList {
   };
 
   void dropStaleEntries() const;
-  void tell(std::function<void()> Observer::Callbacks::*callback);
 
   mutable std::vector<Entry> entries_;
 };

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 #include "view/Spring.h"
 #include "view/Transaction.h"
@@ -21,49 +22,52 @@ class Animated {
   /// `tolerance`: the distance from the target, in the values' own unit, that nobody can see.
   explicit Animated(double tolerance) : tolerance_(tolerance) {}
 
-  /// The new target. Whether a movement started.
+  /// The new target, from `now` on. Whether a movement started.
   bool set(const Values& target, const Transaction& transaction, double now) {
     if (target == target_) return false;
     if (!transaction.animation) {
       jump(target);
       return false;
     }
-    const Values position = value(now);
-    const Values velocity = velocityAt(now);
+    const bool wasMoving = animation_ && now < end_;
+    Values offset{};
+    Values velocity{};
+    for (std::size_t i = 0; i < N; ++i) {
+      const auto [position, speed] = wasMoving ? motion(i, now) : Spring::Motion{0, 0};
+      offset[i] = target_[i] + position - target[i];
+      velocity[i] = speed;
+    }
     target_ = target;
+    offset_ = offset;
+    velocity_ = velocity;
     animation_ = transaction.animation;
     start_ = now;
-    for (std::size_t i = 0; i < N; ++i) {
-      offset_[i] = position[i] - target[i];
-      velocity_[i] = velocity[i];
-    }
     end_ = now + duration();
-    return true;
+    return now < end_;
   }
 
   /// Takes `target` at once, without a movement.
   void jump(const Values& target) {
-    target_ = target;
+    target_ = values_ = target;
     animation_.reset();
   }
 
-  [[nodiscard]] Values value(double now) const {
-    if (!isMoving(now)) return target_;
+  /// Moves the values on to `time`. Whether they changed.
+  bool advance(double time) {
+    if (!animation_) return false;
+    const bool hasArrived = time >= end_;
     Values values = target_;
-    for (std::size_t i = 0; i < N; ++i) values[i] += motion(i, now).position;
-    return values;
+    for (std::size_t i = 0; i < N && !hasArrived; ++i) values[i] += motion(i, time).position;
+    if (hasArrived) animation_.reset();
+    return std::exchange(values_, values) != values;
   }
+
+  /// The values at the time of the latest `advance`.
+  [[nodiscard]] const Values& values() const { return values_; }
   [[nodiscard]] const Values& target() const { return target_; }
-  [[nodiscard]] bool isMoving(double now) const { return animation_ && now < end_; }
+  [[nodiscard]] bool isMoving() const { return animation_.has_value(); }
 
  private:
-  [[nodiscard]] Values velocityAt(double now) const {
-    Values velocities{};
-    if (isMoving(now))
-      for (std::size_t i = 0; i < N; ++i) velocities[i] = motion(i, now).velocity;
-    return velocities;
-  }
-
   [[nodiscard]] Spring::Motion motion(std::size_t i, double now) const {
     if (const auto* spring = std::get_if<Spring>(&*animation_))
       return spring->motion(offset_[i], velocity_[i], now - start_);
@@ -83,6 +87,7 @@ class Animated {
   }
 
   double tolerance_;
+  Values values_{};
   Values target_{};
   Values offset_{};
   Values velocity_{};

@@ -24,10 +24,13 @@ class ComponentNodeBase : public WrapperNode {
 
  protected:
   [[nodiscard]] virtual View makeBody() = 0;
+  /// Keeps `state` until the actions that are waiting now have run: they may refer to it, and some,
+  /// such as that the pointer left, run because the component is gone.
+  void outlive(std::shared_ptr<void> state);
 
  private:
-  std::string locale_;
-  bool isFirst_ = true;
+  /// The locale around it, for when it is evaluated on its own.
+  const std::string locale_;
   Observer observer_;
 };
 
@@ -47,6 +50,9 @@ class ComponentNode final
  public:
   using Base = NodeFor<ComponentNode<C>, ComponentNodeBase, ComponentElement<C>>;
   using Base::Base;
+  ~ComponentNode() override {
+    if constexpr (StatefulComponent<C>) this->outlive(std::move(state_));
+  }
 
   void apply(const ComponentElement<C>& element) {
     if constexpr (std::equality_comparable<C>)
@@ -58,24 +64,21 @@ class ComponentNode final
  protected:
   [[nodiscard]] View makeBody() override {
     if constexpr (StatefulComponent<C>)
-      return component_->body(state_);
+      return component_->body(*state_);
     else
       return component_->body();
   }
 
  private:
-  struct NoState {};
-  template <class T, bool hasState>
-  struct StateOf {
-    using Type = NoState;
-  };
-  template <class T>
-  struct StateOf<T, true> {
-    using Type = typename T::State;
-  };
+  [[nodiscard]] static auto makeState() {
+    if constexpr (StatefulComponent<C>)
+      return std::make_shared<typename C::State>();
+    else
+      return nullptr;
+  }
 
   std::optional<C> component_;
-  [[no_unique_address]] typename StateOf<C, StatefulComponent<C>>::Type state_;
+  decltype(makeState()) state_ = makeState();
 };
 
 template <Component C>

@@ -1,5 +1,6 @@
 #include <algorithm>
-#include <cmath>
+#include <optional>
+#include <utility>
 
 #include "view/Animated.h"
 #include "view/View.h"
@@ -12,14 +13,25 @@ namespace {
 /// Less than half of one of the 255 steps of a channel.
 constexpr double opacityTolerance = 0.0015;
 
-/// `rect` with its edges on device pixels, or as it is while something moves.
-Rect onPixels(const Rect& rect, double scale) {
-  if (scale <= 0) return rect;
-  const auto snap = [scale](double edge) { return std::round(edge * scale) / scale; };
-  const double left = snap(rect.minX());
-  const double top = snap(rect.minY());
-  return {left, top, snap(rect.maxX()) - left, snap(rect.maxY()) - top};
-}
+/// A shape whose animatable data moves as its changes say.
+class MovingShape {
+ public:
+  /// Whether a movement started.
+  bool take(const Shape& shape, const ViewGraph& graph) {
+    const bool isFirst = !shape_;
+    shape_ = shape;
+    if (!isFirst) return data_.set({shape.animatableData()}, Transaction::current(), graph.now());
+    data_.jump({shape.animatableData()});
+    return false;
+  }
+  void advance(double time) { data_.advance(time); }
+  [[nodiscard]] bool isMoving() const { return data_.isMoving(); }
+  [[nodiscard]] Path path(const Rect& rect) const { return shape_->path(rect, data_.values()[0]); }
+
+ private:
+  std::optional<Shape> shape_;
+  Animated<1> data_{0.05};
+};
 
 class ShapeNode;
 
@@ -39,49 +51,50 @@ class ShapeNode final : public NodeFor<ShapeNode, LeafNode, ShapeElement> {
 
   void apply(const ShapeElement& element) {
     const auto& [red, green, blue, alpha] = element.color;
-    if (!shape_) {
-      data_.jump({element.shape.animatableData()});
-      color_.jump({red, green, blue, alpha});
-    } else {
-      const bool hasNewData =
-          data_.set({element.shape.animatableData()}, graph().transaction(), graph().now());
-      const bool hasNewColor =
-          color_.set({red, green, blue, alpha}, graph().transaction(), graph().now());
-      if (hasNewData || hasNewColor) graph().noteAnimationStarted();
-    }
-    shape_ = element.shape;
+    const Animated<4>::Values color{red, green, blue, alpha};
+    if (std::exchange(isFirst_, false)) color_.jump(color);
+    const bool hasNewColor = color_.set(color, Transaction::current(), graph().now());
+    const bool hasNewData = shape_.take(element.shape, graph());
+    if (hasNewColor || hasNewData) graph().noteAnimationStarted();
     lineWidth_ = element.lineWidth;
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
+  bool advance(bool isVisible) override {
+    color_.advance(graph().frameTime());
+    shape_.advance(graph().frameTime());
+    LeafNode::advance(isVisible);
+    return color_.isMoving() || (color_.target()[3] > 0 && shape_.isMoving());
   }
 
   void draw(DisplayList& list, const DrawState& state) override {
-    const auto [red, green, blue, alpha] = color_.value(graph().frameTime());
+    const Rect rect = drawnBounds();
+    const auto [red, green, blue, alpha] = color_.values();
     if (alpha <= 0) return;
     const Color color{clamped(red), clamped(green), clamped(blue), clamped(alpha)};
-    const Rect rect = onPixels(bounds_, graph().restingScale());
-    const double data = data_.value(graph().frameTime())[0];
     const auto kind = lineWidth_ > 0 ? DisplayItem::Kind::stroke : DisplayItem::Kind::fill;
     DisplayItem item = newItem(kind, color, state);
-    item.path = shape_->path(rect, data);
+    item.path = shape_.path(rect);
     item.lineWidth = lineWidth_;
     item.bounds = rect.outset(lineWidth_ / 2);
     list.push_back(std::move(item));
   }
 
-  [[nodiscard]] bool isMoving() const override {
-    return data_.isMoving(graph().frameTime()) || color_.isMoving(graph().frameTime());
+  /// A line is too thin to be meant, and must not cover what it runs around.
+  bool hitTest(Point point, HitPath&) override {
+    return lineWidth_ <= 0 && bounds_.contains(point);
   }
 
  private:
   static constexpr double idealLength = 10;
   [[nodiscard]] static double clamped(double channel) { return std::clamp(channel, 0.0, 1.0); }
 
-  std::optional<Shape> shape_;
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
+  }
+
+  bool isFirst_ = true;
+  MovingShape shape_;
   double lineWidth_ = 0;
-  Animated<1> data_{0.05};
   Animated<4> color_{opacityTolerance};
 };
 
@@ -101,32 +114,37 @@ class OpacityNode final : public NodeFor<OpacityNode, WrapperNode, OpacityElemen
   void apply(const OpacityElement& element) {
     if (!child_)
       opacity_.jump({element.opacity});
-    else if (opacity_.set({element.opacity}, graph().transaction(), graph().now()))
+    else if (opacity_.set({element.opacity}, Transaction::current(), graph().now()))
       graph().noteAnimationStarted();
     updateChild(element.content);
   }
 
+  bool advance(bool isVisible) override {
+    opacity_.advance(graph().frameTime());
+    const bool isContentMoving = child_->advance(isVisible && isShown());
+    return opacity_.isMoving() || (isShown() && isContentMoving);
+  }
+
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
+    bounds_ = bounds;
+    if (isShown()) child_->place(bounds, proposal);
+  }
+
   void draw(DisplayList& list, const DrawState& state) override {
-    const double opacity = std::clamp(opacity_.value(graph().frameTime())[0], 0.0, 1.0);
+    const double opacity = std::clamp(opacity_.values()[0], 0.0, 1.0);
     if (opacity <= 0) return;
     DrawState inner = state;
     inner.opacity *= opacity;
     child_->draw(list, inner);
   }
 
-  [[nodiscard]] bool isMoving() const override {
-    const bool isFading = opacity_.isMoving(graph().frameTime());
-    return isFading || (opacity_.target()[0] > 0 && child_->isMoving());
-  }
-  void setVisible(bool isVisible) override {
-    child_->setVisible(isVisible &&
-                       (opacity_.target()[0] > 0 || opacity_.isMoving(graph().frameTime())));
-  }
   bool hitTest(Point point, HitPath& path) override {
     return opacity_.target()[0] > 0 && child_->hitTest(point, path);
   }
 
  private:
+  [[nodiscard]] bool isShown() const { return opacity_.target()[0] > 0 || opacity_.isMoving(); }
+
   Animated<1> opacity_{opacityTolerance};
 };
 
@@ -144,31 +162,27 @@ class ClipNode final : public NodeFor<ClipNode, WrapperNode, ClipElement> {
   using NodeFor::NodeFor;
 
   void apply(const ClipElement& element) {
-    if (!shape_)
-      data_.jump({element.shape.animatableData()});
-    else if (data_.set({element.shape.animatableData()}, graph().transaction(), graph().now()))
-      graph().noteAnimationStarted();
-    shape_ = element.shape;
+    if (shape_.take(element.shape, graph())) graph().noteAnimationStarted();
     updateChild(element.content);
+  }
+
+  bool advance(bool isVisible) override {
+    shape_.advance(graph().frameTime());
+    return WrapperNode::advance(isVisible) || shape_.isMoving();
   }
 
   void draw(DisplayList& list, const DrawState& state) override {
     DrawState inner = state;
-    inner.clips.push_back(std::make_shared<const Path>(shape_->path(
-        onPixels(bounds_, graph().restingScale()), data_.value(graph().frameTime())[0])));
+    inner.clips.push_back(std::make_shared<const Path>(shape_.path(drawnBounds())));
     child_->draw(list, inner);
   }
 
-  [[nodiscard]] bool isMoving() const override {
-    return data_.isMoving(graph().frameTime()) || WrapperNode::isMoving();
-  }
   bool hitTest(Point point, HitPath& path) override {
     return bounds_.contains(point) && child_->hitTest(point, path);
   }
 
  private:
-  std::optional<Shape> shape_;
-  Animated<1> data_{0.05};
+  MovingShape shape_;
 };
 
 class LayeredNode;
@@ -195,15 +209,13 @@ class LayeredNode final : public NodeFor<LayeredNode, ContainerNode, LayeredElem
     updateChildren(element.children);
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    return children_[0]->sizeThatFits(proposal);
-  }
-  void place(const Rect& bounds) override {
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    children_[0]->place(bounds);
-    const Size size = children_[1]->sizeThatFits(ProposedSize::of(bounds.size()));
-    children_[1]->place(aligned(size, bounds, alignment_));
+    children_[0]->place(bounds, proposal);
+    const auto offer = ProposedSize::of(bounds.size());
+    children_[1]->place(aligned(children_[1]->sizeThatFits(offer), bounds, alignment_), offer);
   }
+
   void draw(DisplayList& list, const DrawState& state) override {
     children_[isInFront_ ? 0 : 1]->draw(list, state);
     children_[isInFront_ ? 1 : 0]->draw(list, state);
@@ -214,6 +226,10 @@ class LayeredNode final : public NodeFor<LayeredNode, ContainerNode, LayeredElem
   }
 
  private:
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    return children_[0]->sizeThatFits(proposal);
+  }
+
   Alignment alignment_;
   bool isInFront_ = true;
 };

@@ -55,7 +55,7 @@ class HostingView {
   void setOnNeedsFrame(std::function<void()> onNeedsFrame);
   [[nodiscard]] bool needsFrame() const;
 
-  /// Called when a change starts to move at least one visible thing, with its animation.
+  /// Called when a change starts to move at least one thing, with its animation.
   void setOnAnimationStarted(std::function<void(const Animation&)> onAnimationStarted);
 
   struct Frame {

@@ -31,37 +31,36 @@ class FrameNode final : public NodeFor<FrameNode, WrapperNode, FrameElement> {
                             size_.height.has_value() == element.size.height.has_value();
     if (!isSameKind)
       sides_.jump(sides);
-    else if (sides_.set(sides, graph().transaction(), graph().now()))
+    else if (sides_.set(sides, Transaction::current(), graph().now()))
       graph().noteAnimationStarted();
     size_ = element.size;
     updateChild(element.content);
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    const auto own = current();
-    if (own.width && own.height) return {*own.width, *own.height};
-    const Size size = child_->sizeThatFits(
-        {own.width ? own.width : proposal.width, own.height ? own.height : proposal.height});
-    return {own.width.value_or(size.width), own.height.value_or(size.height)};
+  bool advance(bool isVisible) override {
+    if (sides_.advance(graph().frameTime())) sizesChanged();
+    return WrapperNode::advance(isVisible) || sides_.isMoving();
   }
 
-  void place(const Rect& bounds) override {
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    const Size size = child_->sizeThatFits(ProposedSize::of(bounds.size()));
-    child_->place(aligned(size, bounds, size_.alignment));
-  }
-
-  [[nodiscard]] bool isMoving() const override {
-    return sides_.isMoving(graph().frameTime()) || WrapperNode::isMoving();
+    placeChild(bounds, inner(proposal), size_.alignment);
   }
 
  private:
-  [[nodiscard]] ProposedSize current() const {
-    const auto sides = sides_.value(graph().frameTime());
-    ProposedSize own;
-    if (size_.width) own.width = std::max(0.0, sides[0]);
-    if (size_.height) own.height = std::max(0.0, sides[1]);
-    return own;
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    const ProposedSize own = inner(proposal);
+    if (size_.width && size_.height) return {*own.width, *own.height};
+    const Size size = child_->sizeThatFits(own);
+    return {size_.width ? *own.width : size.width, size_.height ? *own.height : size.height};
+  }
+
+  /// What the child is offered: the frame's own sides, which a spring may carry below 0, and else
+  /// what the frame is offered.
+  [[nodiscard]] ProposedSize inner(const ProposedSize& proposal) const {
+    const auto& [width, height] = sides_.values();
+    return {size_.width ? std::max(0.0, width) : proposal.width,
+            size_.height ? std::max(0.0, height) : proposal.height};
   }
 
   FrameSize size_;
@@ -87,23 +86,25 @@ class LimitsNode final : public NodeFor<LimitsNode, WrapperNode, LimitsElement> 
     updateChild(element.content);
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    const ProposedSize inner{held(proposal.width, limits_.minWidth, limits_.maxWidth),
-                             held(proposal.height, limits_.minHeight, limits_.maxHeight)};
-    const Size size = child_->sizeThatFits(inner);
-    return {fitted(size.width, inner.width, limits_.minWidth, limits_.maxWidth),
-            fitted(size.height, inner.height, limits_.minHeight, limits_.maxHeight)};
-  }
-
-  void place(const Rect& bounds) override {
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    const Size size = child_->sizeThatFits(ProposedSize::of(bounds.size()));
-    child_->place(aligned(size, bounds, limits_.alignment));
+    placeChild(bounds, inner(proposal), limits_.alignment);
   }
 
  private:
   using Bound = std::optional<double>;
 
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    const ProposedSize offered = inner(proposal);
+    const Size size = child_->sizeThatFits(offered);
+    return {fitted(size.width, offered.width, limits_.minWidth, limits_.maxWidth),
+            fitted(size.height, offered.height, limits_.minHeight, limits_.maxHeight)};
+  }
+
+  [[nodiscard]] ProposedSize inner(const ProposedSize& proposal) const {
+    return {held(proposal.width, limits_.minWidth, limits_.maxWidth),
+            held(proposal.height, limits_.minHeight, limits_.maxHeight)};
+  }
   [[nodiscard]] static Bound held(Bound offered, Bound least, Bound most) {
     if (!offered) return offered;
     if (least) offered = std::max(*offered, *least);
@@ -141,17 +142,20 @@ class FixedSizeNode final : public NodeFor<FixedSizeNode, WrapperNode, FixedSize
     vertical_ = element.vertical;
     updateChild(element.content);
   }
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    return child_->sizeThatFits(
-        {horizontal_ ? std::nullopt : proposal.width, vertical_ ? std::nullopt : proposal.height});
-  }
-  void place(const Rect& bounds) override {
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    child_->place(
-        aligned(sizeThatFits(ProposedSize::of(bounds.size())), bounds, Alignment::center));
+    placeChild(bounds, inner(proposal), Alignment::center);
   }
 
  private:
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    return child_->sizeThatFits(inner(proposal));
+  }
+  [[nodiscard]] ProposedSize inner(const ProposedSize& proposal) const {
+    return {horizontal_ ? std::nullopt : proposal.width,
+            vertical_ ? std::nullopt : proposal.height};
+  }
+
   bool horizontal_ = false;
   bool vertical_ = false;
 };
@@ -175,34 +179,40 @@ class PaddingNode final : public NodeFor<PaddingNode, WrapperNode, PaddingElemen
     const Animated<4>::Values insets{top, leading, bottom, trailing};
     if (!child_)
       insets_.jump(insets);
-    else if (insets_.set(insets, graph().transaction(), graph().now()))
+    else if (insets_.set(insets, Transaction::current(), graph().now()))
       graph().noteAnimationStarted();
     updateChild(element.content);
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    const auto [top, leading, bottom, trailing] = insets_.value(graph().frameTime());
-    const auto less = [](std::optional<double> side, double by) {
-      return side ? std::optional(std::max(0.0, *side - by)) : std::nullopt;
-    };
-    const Size size = child_->sizeThatFits(
-        {less(proposal.width, leading + trailing), less(proposal.height, top + bottom)});
-    return {size.width + leading + trailing, size.height + top + bottom};
+  bool advance(bool isVisible) override {
+    if (insets_.advance(graph().frameTime())) sizesChanged();
+    return WrapperNode::advance(isVisible) || insets_.isMoving();
   }
 
-  void place(const Rect& bounds) override {
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    const auto [top, leading, bottom, trailing] = insets_.value(graph().frameTime());
-    child_->place({bounds.x + leading, bounds.y + top,
-                   std::max(0.0, bounds.width - leading - trailing),
-                   std::max(0.0, bounds.height - top - bottom)});
-  }
-
-  [[nodiscard]] bool isMoving() const override {
-    return insets_.isMoving(graph().frameTime()) || WrapperNode::isMoving();
+    const auto& [top, leading, bottom, trailing] = insets_.values();
+    child_->place(
+        {bounds.x + leading, bounds.y + top, std::max(0.0, bounds.width - leading - trailing),
+         std::max(0.0, bounds.height - top - bottom)},
+        inner(proposal));
   }
 
  private:
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    const auto& [top, leading, bottom, trailing] = insets_.values();
+    const Size size = child_->sizeThatFits(inner(proposal));
+    return {std::max(0.0, size.width + leading + trailing),
+            std::max(0.0, size.height + top + bottom)};
+  }
+  [[nodiscard]] ProposedSize inner(const ProposedSize& proposal) const {
+    const auto& [top, leading, bottom, trailing] = insets_.values();
+    return {less(proposal.width, leading + trailing), less(proposal.height, top + bottom)};
+  }
+  [[nodiscard]] static std::optional<double> less(std::optional<double> side, double by) {
+    return side ? std::optional(std::max(0.0, *side - by)) : std::nullopt;
+  }
+
   Animated<4> insets_{lengthTolerance};
 };
 
@@ -214,6 +224,13 @@ class GeometryReaderElement final : public ElementFor<GeometryReaderNode> {
   std::function<View(Size)> content;
 };
 
+/// What a geometry reader shows is a component, so that what it reads is watched.
+struct GeometryContent {
+  std::function<View(Size)> content;
+  Size size;
+  [[nodiscard]] View body() const { return content(size); }
+};
+
 class GeometryReaderNode final
     : public NodeFor<GeometryReaderNode, WrapperNode, GeometryReaderElement> {
  public:
@@ -221,28 +238,34 @@ class GeometryReaderNode final
 
   void apply(const GeometryReaderElement& element) {
     content_ = element.content;
-    updateChild(content_(size_));
+    updateChild(GeometryContent{content_, size_});
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
+  bool advance(bool isVisible) override {
+    isVisible_ = isVisible;
+    return WrapperNode::advance(isVisible);
   }
 
-  void place(const Rect& bounds) override {
+  void place(const Rect& bounds, const ProposedSize&) override {
     bounds_ = bounds;
     if (!(size_ == bounds.size())) {
       size_ = bounds.size();
-      updateChild(content_(size_));
+      updateChild(GeometryContent{content_, size_});
+      child_->advance(isVisible_);
     }
-    child_->place(aligned(child_->sizeThatFits(ProposedSize::of(bounds.size())), bounds,
-                          Alignment::topLeading));
+    placeChild(bounds, ProposedSize::of(size_), Alignment::topLeading);
   }
 
  private:
   static constexpr double idealLength = 10;
 
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
+  }
+
   std::function<View(Size)> content_;
   Size size_;
+  bool isVisible_ = false;
 };
 
 }  // namespace

@@ -102,10 +102,16 @@ class LocaleNode final : public NodeFor<LocaleNode, WrapperNode, LocaleElement> 
  public:
   using NodeFor::NodeFor;
   void apply(const LocaleElement& element) {
-    const std::string outer = graph().exchangeLocale(element.identifier);
+    // What is inside keeps the locale that it was made in.
+    if (identifier_ != element.identifier) child_.reset();
+    identifier_ = element.identifier;
+    const std::string outer = graph().exchangeLocale(identifier_);
     updateChild(element.content);
     graph().exchangeLocale(outer);
   }
+
+ private:
+  std::string identifier_;
 };
 
 class TimelineNode;
@@ -135,19 +141,26 @@ class TimelineNode final : public NodeFor<TimelineNode, WrapperNode, TimelineEle
   void apply(const TimelineElement& element) {
     if (element.interval != interval_) timer_.reset();
     interval_ = element.interval;
+    isFresh_ = true;
     updateChild(TimelineContent{tick_, element.content});
   }
-  void setVisible(bool isVisible) override {
-    WrapperNode::setVisible(isVisible);
+  bool advance(bool isVisible) override {
     if (!isVisible) timer_.reset();
-    if (!isVisible || timer_) return;
-    tick_->set(tick_->get() + 1);
-    timer_ = graph().services().scheduleRepeatingTimer(
-        interval_, [tick = tick_] { tick->set(tick->get() + 1); });
+    if (isVisible && !timer_) start();
+    isFresh_ = isVisible;
+    return WrapperNode::advance(isVisible);
   }
 
  private:
+  void start() {
+    const auto advanceTick = [tick = tick_] { tick->set(tick->get() + 1); };
+    if (!isFresh_) advanceTick();
+    timer_ = graph().services().scheduleRepeatingTimer(interval_, advanceTick);
+  }
+
   double interval_ = 0;
+  /// Whether the content is from this frame or has been ticking since.
+  bool isFresh_ = false;
   std::shared_ptr<Observed<std::uint64_t>> tick_ = std::make_shared<Observed<std::uint64_t>>(0);
   Token timer_;
 };

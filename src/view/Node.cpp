@@ -1,14 +1,53 @@
 #include "view/Node.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "view/View.h"
 #include "view/ViewGraph.h"
 
 namespace valdrix::view {
 
+namespace {
+
+/// Differences below this, in points, are what is left of rounding.
+constexpr double roundingError = 1e-6;
+
+}  // namespace
+
 Node::Node(ViewGraph& graph, Node* parent)
-    : graph_(graph), serial_(graph.nextSerial()), depth_(parent ? parent->depth() + 1 : 0) {}
+    : graph_(graph),
+      parent_(parent),
+      serial_(graph.nextSerial()),
+      depth_(parent ? parent->depth() + 1 : 0) {}
+
+Size Node::sizeThatFits(const ProposedSize& proposal) {
+  const std::size_t known = std::min(fitCount_, fits_.size());
+  for (std::size_t i = 0; i < known; ++i)
+    if (fits_[i].proposal == proposal) return fits_[i].size;
+  const Size size = measure(proposal);
+  fits_[fitCount_++ % fits_.size()] = {proposal, size};
+  return size;
+}
+
+void Node::sizesChanged() {
+  for (Node* node = this; node; node = node->parent_) node->forgetSizes();
+}
+
+Axis Node::stackAxis() const { return parent_ ? parent_->stackAxis() : Axis::vertical; }
+
+Rect Node::drawnBounds() {
+  const double scale = graph_.scale();
+  const auto put = [&](double edge, double formerEdge) {
+    const bool rests = !graph_.isMoving() || std::abs(edge - formerEdge) < roundingError;
+    return rests ? std::round(edge * scale) / scale : edge;
+  };
+  const Rect former = std::exchange(formerBounds_, bounds_);
+  const double left = put(bounds_.minX(), former.minX());
+  const double top = put(bounds_.minY(), former.minY());
+  return {left, top, put(bounds_.maxX(), former.maxX()) - left,
+          put(bounds_.maxY(), former.maxY()) - top};
+}
 
 DisplayItem Node::newItem(DisplayItem::Kind kind, const Color& color,
                           const DrawState& state) const {
@@ -21,12 +60,22 @@ DisplayItem Node::newItem(DisplayItem::Kind kind, const Color& color,
 }
 
 void reconcile(std::unique_ptr<Node>& node, const View& view, ViewGraph& graph, Node* parent) {
-  const Element& element = view.element();
-  if (!node || !node->accepts(element)) {
-    node = element.makeNode(graph, parent);
-    node->setIdentity(element.identity());
+  const auto& element = view.element();
+  if (node && node->element_ == element) return;
+  const std::string* identity = element->identity();
+  const bool isSame =
+      node && node->accepts(*element) && (!identity || node->identity_ == *identity);
+  if (!isSame) {
+    node = element->makeNode(graph, parent);
+    if (identity) node->identity_ = *identity;
   }
-  node->update(element);
+  node->element_ = element;
+  node->update(*element);
+}
+
+void WrapperNode::placeChild(const Rect& bounds, const ProposedSize& proposal,
+                             Alignment alignment) {
+  child_->place(aligned(child_->sizeThatFits(proposal), bounds, alignment), proposal);
 }
 
 void WrapperNode::updateChild(const View& view) { reconcile(child_, view, graph(), this); }
@@ -35,7 +84,7 @@ void ContainerNode::updateChildren(const std::vector<View>& views) {
   auto former = std::exchange(children_, {});
   children_.reserve(views.size());
   for (std::size_t i = 0; i < views.size(); ++i) {
-    const std::string* identity = views[i].element().identity();
+    const std::string* identity = views[i].element()->identity();
     std::unique_ptr<Node> node;
     if (identity) {
       const auto match = std::find_if(former.begin(), former.end(), [&](const auto& candidate) {
@@ -54,13 +103,10 @@ void ContainerNode::draw(DisplayList& list, const DrawState& state) {
   for (const auto& child : children_) child->draw(list, state);
 }
 
-bool ContainerNode::isMoving() const {
-  return std::any_of(children_.begin(), children_.end(),
-                     [](const auto& child) { return child->isMoving(); });
-}
-
-void ContainerNode::setVisible(bool isVisible) {
-  for (const auto& child : children_) child->setVisible(isVisible);
+bool ContainerNode::advance(bool isVisible) {
+  bool isMoving = false;
+  for (const auto& child : children_) isMoving = child->advance(isVisible) || isMoving;
+  return isMoving;
 }
 
 bool ContainerNode::hitTest(Point point, HitPath& path) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "view/DisplayList.h"
@@ -57,26 +59,36 @@ class Node {
   /// Takes over a new description, under the graph's transaction.
   virtual void update(const Element& element) = 0;
 
-  [[nodiscard]] virtual Size sizeThatFits(const ProposedSize& proposal) = 0;
-  /// Puts the node at `bounds` and its children inside.
-  virtual void place(const Rect& bounds) { bounds_ = bounds; }
+  /// Moves everything in it on to the graph's frame time. `isVisible`: whether it can be seen in
+  /// that frame. Whether something in it is still on its way.
+  virtual bool advance(bool isVisible) = 0;
+  /// The size that it takes when it is offered `proposal`.
+  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal);
+  /// Puts the node, which was offered `proposal`, at `bounds` and its children inside.
+  virtual void place(const Rect& bounds, const ProposedSize& proposal) = 0;
   virtual void draw(DisplayList& list, const DrawState& state) = 0;
-  /// Whether anything in it that can be seen is on its way at the frame's time.
-  [[nodiscard]] virtual bool isMoving() const = 0;
-  /// Tells timelines inside whether they can be seen.
-  virtual void setVisible(bool isVisible) = 0;
-  /// Tells a spacer along which axis its stack runs.
-  virtual void setStackAxis(Axis) {}
+  /// Whether it only takes the room that its siblings leave.
+  [[nodiscard]] virtual bool isSpacer() const { return false; }
+  /// The axis of the nearest stack around.
+  [[nodiscard]] virtual Axis stackAxis() const;
   /// Whether `point` hits it; what reacts to the pointer is added to `path`.
   virtual bool hitTest(Point point, HitPath& path) = 0;
 
   [[nodiscard]] const Rect& bounds() const { return bounds_; }
   [[nodiscard]] int depth() const { return depth_; }
   [[nodiscard]] const std::string& identity() const { return identity_; }
-  void setIdentity(const std::string* identity) { identity_ = identity ? *identity : ""; }
 
  protected:
   [[nodiscard]] ViewGraph& graph() const { return graph_; }
+  /// Works `sizeThatFits` out, which keeps the result until `forgetSizes`.
+  [[nodiscard]] virtual Size measure(const ProposedSize& proposal) = 0;
+  void forgetSizes() { fitCount_ = 0; }
+  /// Measures it and everything around it anew: it changed without a new description for its
+  /// parent.
+  void sizesChanged();
+  /// `bounds_` as they are drawn: edges that rest are put on device pixels, moving ones are not, so
+  /// that they do not jerk. Once a frame.
+  [[nodiscard]] Rect drawnBounds();
   /// An item of this node as `state` has it drawn, still without its content.
   [[nodiscard]] DisplayItem newItem(DisplayItem::Kind kind, const Color& color,
                                     const DrawState& state) const;
@@ -84,39 +96,63 @@ class Node {
   Rect bounds_;
 
  private:
+  friend void reconcile(std::unique_ptr<Node>& node, const View& view, ViewGraph& graph,
+                        Node* parent);
+  struct Fit {
+    ProposedSize proposal;
+    Size size;
+  };
+
   ViewGraph& graph_;
+  Node* parent_;
+  std::shared_ptr<const Element> element_;
   std::uint64_t serial_;
   int depth_;
   std::string identity_;
+  Rect formerBounds_;
+  // A stack asks for the least and the largest size and then for one or two between.
+  std::array<Fit, 4> fits_;
+  std::size_t fitCount_ = 0;
 };
 
-/// A node without children: never moving and not under the pointer unless it says so.
+/// A node without children, that never moves and is all under the pointer unless it says otherwise.
 class LeafNode : public Node {
  public:
   using Node::Node;
-  [[nodiscard]] bool isMoving() const override { return false; }
-  void setVisible(bool) override {}
+  bool advance(bool isVisible) override {
+    wasVisible_ = isVisible;
+    return false;
+  }
+  void place(const Rect& bounds, const ProposedSize&) override { bounds_ = bounds; }
   bool hitTest(Point point, HitPath&) override { return bounds_.contains(point); }
+
+ protected:
+  /// Whether the latest frame could show it.
+  [[nodiscard]] bool wasVisible() const { return wasVisible_; }
+
+ private:
+  bool wasVisible_ = false;
 };
 
 /// A node around exactly one child, transparent in everything that it does not override.
 class WrapperNode : public Node {
  public:
   using Node::Node;
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    return child_->sizeThatFits(proposal);
-  }
-  void place(const Rect& bounds) override {
+  bool advance(bool isVisible) override { return child_->advance(isVisible); }
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    child_->place(bounds);
+    child_->place(bounds, proposal);
   }
   void draw(DisplayList& list, const DrawState& state) override { child_->draw(list, state); }
-  [[nodiscard]] bool isMoving() const override { return child_->isMoving(); }
-  void setVisible(bool isVisible) override { child_->setVisible(isVisible); }
-  void setStackAxis(Axis axis) override { child_->setStackAxis(axis); }
+  [[nodiscard]] bool isSpacer() const override { return child_->isSpacer(); }
   bool hitTest(Point point, HitPath& path) override { return child_->hitTest(point, path); }
 
  protected:
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    return child_->sizeThatFits(proposal);
+  }
+  /// Places the child where `alignment` puts it in `bounds` when it is offered `proposal`.
+  void placeChild(const Rect& bounds, const ProposedSize& proposal, Alignment alignment);
   void updateChild(const View& view);
 
   std::unique_ptr<Node> child_;
@@ -126,9 +162,8 @@ class WrapperNode : public Node {
 class ContainerNode : public Node {
  public:
   using Node::Node;
+  bool advance(bool isVisible) override;
   void draw(DisplayList& list, const DrawState& state) override;
-  [[nodiscard]] bool isMoving() const override;
-  void setVisible(bool isVisible) override;
   bool hitTest(Point point, HitPath& path) override;
 
  protected:
@@ -138,7 +173,8 @@ class ContainerNode : public Node {
   std::vector<std::unique_ptr<Node>> children_;
 };
 
-/// Shows `view` in `node`: updates it when it is of the right kind, else replaces it.
+/// Shows `view` in `node`: updates it when it is of the right kind, else replaces it. A node that
+/// shows that very description already is left alone.
 void reconcile(std::unique_ptr<Node>& node, const View& view, ViewGraph& graph, Node* parent);
 
 /// Ties a node class to its element class `E`; the node has `void apply(const E&)`.
@@ -150,6 +186,7 @@ class NodeFor : public Base {
     return dynamic_cast<const E*>(&element) != nullptr;
   }
   void update(const Element& element) final {
+    this->forgetSizes();
     static_cast<Derived*>(this)->apply(static_cast<const E&>(element));
   }
 };

@@ -29,7 +29,11 @@ std::size_t pointCount(Path::Verb verb) {
 
 }  // namespace
 
-void Path::move(Point to) { elements_.push_back({Verb::move, {to}}); }
+void Path::move(Point to) {
+  // Hardly an outline has fewer steps, and growing to them would take several allocations.
+  if (elements_.empty()) elements_.reserve(10);
+  elements_.push_back({Verb::move, {to}});
+}
 void Path::line(Point to) { elements_.push_back({Verb::line, {to}}); }
 void Path::quad(Point control, Point to) { elements_.push_back({Verb::quad, {control, to}}); }
 void Path::cubic(Point control1, Point control2, Point to) {

@@ -1,6 +1,6 @@
 #include <algorithm>
-#include <limits>
-#include <numeric>
+#include <functional>
+#include <tuple>
 
 #include "view/View.h"
 
@@ -58,73 +58,98 @@ class StackNode final : public NodeFor<StackNode, ContainerNode, StackElement> {
     alignment_ = element.alignment;
     spacing_ = element.spacing;
     updateChildren(element.children);
-    for (const auto& child : children_) child->setStackAxis(element.axis);
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    const auto sizes = sizesFor(proposal);
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
+    bounds_ = bounds;
+    // Children may now fill the stack's own thickness where none was offered.
+    share(map_.main(proposal), map_.cross(proposal).value_or(map_.cross(bounds.size())));
+    double offset = 0;
+    for (std::size_t i = 0; i < children_.size(); ++i) {
+      const auto& [offer, size] = shares_[i];
+      const double length = map_.main(size);
+      const Rect lane = map_.axis == Axis::horizontal
+                            ? Rect{bounds.x + offset, bounds.y, length, bounds.height}
+                            : Rect{bounds.x, bounds.y + offset, bounds.width, length};
+      children_[i]->place(aligned(size, lane, alignment_), offer);
+      offset += length + spacing_;
+    }
+  }
+
+  [[nodiscard]] Axis stackAxis() const override { return map_.axis; }
+
+ private:
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    share(map_.main(proposal), map_.cross(proposal));
     double main = gaps();
     double cross = 0;
-    for (const auto& size : sizes) {
+    for (const auto& [offer, size] : shares_) {
       main += map_.main(size);
       cross = std::max(cross, map_.cross(size));
     }
     return map_.size(main, cross);
   }
 
-  void place(const Rect& bounds) override {
-    bounds_ = bounds;
-    const auto sizes = sizesFor(ProposedSize::of(bounds.size()));
-    double offset = 0;
-    for (std::size_t i = 0; i < children_.size(); ++i) {
-      const double length = map_.main(sizes[i]);
-      const Rect lane = map_.axis == Axis::horizontal
-                            ? Rect{bounds.x + offset, bounds.y, length, bounds.height}
-                            : Rect{bounds.x, bounds.y + offset, bounds.width, length};
-      children_[i]->place(aligned(sizes[i], lane, alignment_));
-      offset += length + spacing_;
-    }
-  }
-
- private:
   [[nodiscard]] double gaps() const {
     return children_.empty() ? 0 : spacing_ * static_cast<double>(children_.size() - 1);
   }
 
-  [[nodiscard]] std::vector<Size> sizesFor(const ProposedSize& proposal) const {
-    std::vector<Size> sizes(children_.size());
-    const auto cross = map_.cross(proposal);
-    const auto main = map_.main(proposal);
+  /// Offers the children their parts of `main`: the least flexible first, and each an equal part of
+  /// what is left then. Spacers only take what all others leave.
+  void share(std::optional<double> main, std::optional<double> cross) {
+    shares_.resize(children_.size());
     if (!main || *main == ProposedSize::infinity) {
-      for (std::size_t i = 0; i < children_.size(); ++i)
-        sizes[i] = children_[i]->sizeThatFits(map_.proposal(main, cross));
-      return sizes;
+      for (std::size_t i = 0; i < children_.size(); ++i) offer(i, main, cross);
+      return;
     }
-    double left = std::max(0.0, *main - gaps());
-    auto count = static_cast<double>(children_.size());
-    for (const std::size_t i : byFlexibility(cross)) {
-      sizes[i] = children_[i]->sizeThatFits(map_.proposal(std::max(0.0, left / count), cross));
-      left -= map_.main(sizes[i]);
-      --count;
+    sortByFlexibility(cross);
+    const auto firstSpacer =
+        std::find_if(order_.begin(), order_.end(), std::mem_fn(&Rank::isSpacer));
+    double left = *main - gaps();
+    for (auto spacer = firstSpacer; spacer != order_.end(); ++spacer) left -= spacer->least;
+    for (auto child = order_.begin(); child != order_.end(); ++child) {
+      if (child->isSpacer) left += child->least;
+      const auto peers = (child->isSpacer ? order_.end() : firstSpacer) - child;
+      left -= offer(child->index, std::max(0.0, left / static_cast<double>(peers)), cross);
     }
-    return sizes;
   }
 
-  /// The children's indices, the one that can change least first.
-  [[nodiscard]] std::vector<std::size_t> byFlexibility(std::optional<double> cross) const {
-    std::vector<std::size_t> order(children_.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    if (order.size() < 2) return order;
-    std::vector<double> flexibility(order.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-      flexibility[i] =
-          map_.main(children_[i]->sizeThatFits(map_.proposal(ProposedSize::infinity, cross))) -
-          map_.main(children_[i]->sizeThatFits(map_.proposal(0, cross)));
-    std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return flexibility[a] < flexibility[b]; });
-    return order;
+  /// Offers a child `main` and gives what it takes of it.
+  double offer(std::size_t index, std::optional<double> main, std::optional<double> cross) {
+    const ProposedSize proposal = map_.proposal(main, cross);
+    shares_[index] = {proposal, children_[index]->sizeThatFits(proposal)};
+    return map_.main(shares_[index].size);
   }
 
+  void sortByFlexibility(std::optional<double> cross) {
+    order_.resize(children_.size());
+    for (std::size_t i = 0; i < order_.size(); ++i) {
+      const double least = offer(i, 0, cross);
+      order_[i] = {i, children_[i]->isSpacer(), least,
+                   offer(i, ProposedSize::infinity, cross) - least};
+    }
+    std::sort(order_.begin(), order_.end());
+  }
+
+  struct Share {
+    ProposedSize offer;
+    Size size;
+  };
+  struct Rank {
+    std::size_t index;
+    bool isSpacer;
+    double least;
+    double flexibility;
+    /// Of two that may grow without end, the one that needs more comes first.
+    bool operator<(const Rank& other) const {
+      return std::tie(isSpacer, flexibility, other.least, index) <
+             std::tie(other.isSpacer, other.flexibility, least, other.index);
+    }
+  };
+
+  // Kept between layouts, so that a frame allocates nothing for them.
+  std::vector<Share> shares_;
+  std::vector<Rank> order_;
   AxisMap map_{Axis::horizontal};
   Alignment alignment_;
   double spacing_ = 0;
@@ -149,8 +174,18 @@ class LayersNode final : public NodeFor<LayersNode, ContainerNode, LayersElement
     updateChildren(element.children);
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    proposal_ = proposal;
+  void place(const Rect& bounds, const ProposedSize& proposal) override {
+    bounds_ = bounds;
+    // Each layer is offered what the stack was offered, and not what the largest layer made of it:
+    // a shape fills the frame around the stack, whatever larger layer it lies below.
+    const ProposedSize offer{proposal.width.value_or(bounds.width),
+                             proposal.height.value_or(bounds.height)};
+    for (const auto& child : children_)
+      child->place(aligned(child->sizeThatFits(offer), bounds, alignment_), offer);
+  }
+
+ private:
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
     Size largest;
     for (const auto& child : children_) {
       const Size size = child->sizeThatFits(proposal);
@@ -159,18 +194,6 @@ class LayersNode final : public NodeFor<LayersNode, ContainerNode, LayersElement
     return largest;
   }
 
-  void place(const Rect& bounds) override {
-    bounds_ = bounds;
-    // Each layer is offered what the stack was offered, and not what the largest layer made of it:
-    // a shape fills the frame around the stack, whatever larger layer it lies below.
-    const auto proposal = proposal_.value_or(ProposedSize::of(bounds.size()));
-    for (const auto& child : children_)
-      child->place(aligned(child->sizeThatFits(proposal), bounds, alignment_));
-  }
-
- private:
-  /// What the size that the stack is placed with was measured for.
-  std::optional<ProposedSize> proposal_;
   Alignment alignment_;
 };
 
@@ -186,15 +209,16 @@ class SpacerNode final : public NodeFor<SpacerNode, LeafNode, SpacerElement> {
  public:
   using NodeFor::NodeFor;
   void apply(const SpacerElement& element) { minLength_ = element.minLength; }
-  void setStackAxis(Axis axis) override { map_ = {axis}; }
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    return map_.size(std::max(minLength_, map_.main(proposal).value_or(minLength_)), 0);
-  }
   void draw(DisplayList&, const DrawState&) override {}
   bool hitTest(Point, HitPath&) override { return false; }
+  [[nodiscard]] bool isSpacer() const override { return true; }
 
  private:
-  AxisMap map_{Axis::horizontal};
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    const AxisMap map{stackAxis()};
+    return map.size(std::max(minLength_, map.main(proposal).value_or(minLength_)), 0);
+  }
+
   double minLength_ = 0;
 };
 

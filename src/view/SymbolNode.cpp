@@ -33,45 +33,53 @@ class SymbolNode final : public NodeFor<SymbolNode, LeafNode, SymbolElement> {
 
   void apply(const SymbolElement& element) {
     if (element.name != name_) {
-      former_ = std::exchange(name_, element.name);
-      swap_.jump({1});
-      const bool isVisible = lastDrawn_ != 0 && lastDrawn_ == graph().frameNumber();
-      if (isVisible) {
-        swap_.jump({0});
-        swap_.set({1}, Transaction{EaseOut{swapDuration}}, graph().now());
-      }
+      if (wasVisible())
+        startSwap();
+      else
+        swap_.jump({1});
+      name_ = element.name;
     }
     font_ = element.font;
     color_ = element.color;
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize&) override {
+  bool advance(bool isVisible) override {
+    LeafNode::advance(isVisible);
+    swap_.advance(graph().frameTime());
+    return swap_.isMoving();
+  }
+
+  void draw(DisplayList& list, const DrawState& state) override {
+    // First half: the old symbol leaves. Second half: the new one comes. Never both.
+    const double progress = swap_.values()[0];
+    const double presence = std::abs(2 * progress - 1);
+    add(list, state, progress < 0.5 ? former_ : name_, drawnBounds().origin(), presence);
+  }
+
+ private:
+  /// The symbol that is seen now leaves from the size that it has. One that is leaving already just
+  /// gives way to another one.
+  void startSwap() {
+    const double progress = swap_.values()[0];
+    if (progress < 0.5) return;
+    former_ = name_;
+    swap_.jump({1 - progress});
+    swap_.set({1}, Transaction{EaseOut{swapDuration}}, graph().now());
+  }
+
+  [[nodiscard]] Size measure(const ProposedSize&) override {
     const Symbol* symbol = symbolNamed(name_, font_.weight);
     if (!symbol) return {};
     return {symbol->size.width * font_.size, symbol->size.height * font_.size};
   }
 
-  void draw(DisplayList& list, const DrawState& state) override {
-    lastDrawn_ = graph().frameNumber();
-    // First half: the old symbol leaves. Second half: the new one comes. Never both.
-    const double progress = swap_.value(graph().frameTime())[0];
-    const bool isFirstHalf = progress < 0.5;
-    const double presence = std::abs(2 * progress - 1);
-    add(list, state, isFirstHalf ? former_ : name_, presence);
-  }
-
-  [[nodiscard]] bool isMoving() const override { return swap_.isMoving(graph().frameTime()); }
-
- private:
-  void add(DisplayList& list, const DrawState& state, const std::string& name,
+  void add(DisplayList& list, const DrawState& state, const std::string& name, Point corner,
            double presence) const {
     const Symbol* symbol = symbolNamed(name, font_.weight);
     if (!symbol || presence <= 0) return;
     const double scale = font_.size * (swapScale + (1 - swapScale) * presence);
-    Point origin{bounds_.midX() - symbol->size.width * scale / 2,
-                 bounds_.midY() - symbol->size.height * scale / 2};
-    if (const double pixels = graph().restingScale(); pixels > 0)
-      origin = {std::round(origin.x * pixels) / pixels, std::round(origin.y * pixels) / pixels};
+    const Point origin{corner.x + (bounds_.width - symbol->size.width * scale) / 2,
+                       corner.y + (bounds_.height - symbol->size.height * scale) / 2};
     for (const auto& part : symbol->parts) {
       const auto kind = part.isStroked ? DisplayItem::Kind::stroke : DisplayItem::Kind::fill;
       DisplayItem item = newItem(kind, color_.withOpacity(presence), state);
@@ -87,7 +95,6 @@ class SymbolNode final : public NodeFor<SymbolNode, LeafNode, SymbolElement> {
   std::string former_;
   Font font_;
   Color color_;
-  std::uint64_t lastDrawn_ = 0;
   /// From the former symbol (0) to the present one (1).
   Animated<1> swap_{0.002};
 };

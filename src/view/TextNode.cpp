@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "view/Animated.h"
@@ -39,56 +38,52 @@ class TextNode final : public NodeFor<TextNode, LeafNode, TextElement> {
       color_ = element.color;
       return;
     }
-    const bool isVisible = lastDrawn_ != 0 && lastDrawn_ == graph().frameNumber();
-    if (!isSameText && isVisible && graph().transaction().animation) {
-      former_ = std::exchange(text_, element.text);
-      formerBounds_ = drawnBounds_;
-      fade_.jump({1});
-      fade_.set({0}, Transaction{EaseOut{crossFade}}, graph().now());
-    } else {
-      text_ = element.text;
+    if (!isSameText && wasVisible() && Transaction::current().animation)
+      startFade();
+    else
       fade_.jump({0});
-    }
+    text_ = element.text;
     style_ = std::move(style);
     color_ = element.color;
     isMeasured_ = false;
   }
 
-  [[nodiscard]] Size sizeThatFits(const ProposedSize& proposal) override {
-    const double width = proposal.width.value_or(ProposedSize::infinity);
-    if (isMeasured_ && width >= ideal_.width - fitTolerance && style_.lineLimit == 1) return ideal_;
-    if (!isMeasured_) {
-      ideal_ = measure(ProposedSize::infinity);
-      isMeasured_ = true;
-    }
-    return width >= ideal_.width - fitTolerance ? ideal_ : measure(width);
+  bool advance(bool isVisible) override {
+    LeafNode::advance(isVisible);
+    fade_.advance(graph().frameTime());
+    return fade_.isMoving();
   }
 
   void draw(DisplayList& list, const DrawState& state) override {
-    lastDrawn_ = graph().frameNumber();
-    Rect bounds = bounds_;
-    bounds.width += fitTolerance;
-    if (const double scale = graph().restingScale(); scale > 0) {
-      bounds.x = std::round(bounds.x * scale) / scale;
-      bounds.y = std::round(bounds.y * scale) / scale;
-    }
-    drawnBounds_ = bounds;
-    const double formerPart = std::clamp(fade_.value(graph().frameTime())[0], 0.0, 1.0);
-    if (formerPart > 0) {
-      // Trailing edges stay together, where numbers in a column end.
-      Rect formerBounds = formerBounds_;
-      formerBounds.x = bounds.maxX() - formerBounds.width;
-      formerBounds.y = bounds.y;
-      add(list, state, former_, formerBounds, formerPart);
-    }
-    add(list, state, text_, bounds, 1 - formerPart);
+    const Point origin = drawnBounds().origin();
+    latest_ = {origin.x, origin.y, bounds_.width + fitTolerance, bounds_.height};
+    const double formerPart = fade_.values()[0];
+    // Trailing edges stay together, where numbers in a column end.
+    add(list, state, former_,
+        {latest_.maxX() - formerSize_.width, origin.y, formerSize_.width, formerSize_.height},
+        formerPart);
+    add(list, state, text_, latest_, 1 - formerPart);
   }
 
-  [[nodiscard]] bool isMoving() const override { return fade_.isMoving(graph().frameTime()); }
-
  private:
-  [[nodiscard]] Size measure(double width) const {
-    return graph().services().textMetrics.measure(text_, style_, std::max(0.0, width));
+  /// A text that changes again before it has taken over goes on fading in: one that changes with
+  /// every frame would else never be legible.
+  void startFade() {
+    if (fade_.isMoving()) return;
+    former_ = text_;
+    formerSize_ = latest_.size();
+    fade_.jump({1});
+    fade_.set({0}, Transaction{EaseOut{crossFade}}, graph().now());
+  }
+
+  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
+    if (!isMeasured_) ideal_ = measured(ProposedSize::infinity);
+    isMeasured_ = true;
+    const double width = proposal.width.value_or(ProposedSize::infinity);
+    return width >= ideal_.width - fitTolerance ? ideal_ : measured(std::max(0.0, width));
+  }
+  [[nodiscard]] Size measured(double width) const {
+    return graph().services().textMetrics.measure(text_, style_, width);
   }
 
   void add(DisplayList& list, const DrawState& state, const std::string& text, const Rect& bounds,
@@ -108,9 +103,9 @@ class TextNode final : public NodeFor<TextNode, LeafNode, TextElement> {
   bool isMeasured_ = false;
 
   std::string former_;
-  Rect formerBounds_;
-  Rect drawnBounds_;
-  std::uint64_t lastDrawn_ = 0;
+  Size formerSize_;
+  /// Where the text was drawn last.
+  Rect latest_;
   /// How much of the former text still shows.
   Animated<1> fade_{0.002};
 };

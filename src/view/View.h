@@ -64,7 +64,7 @@ class View {
   template <Component C>
   View(C component);  // NOLINT(google-explicit-constructor)
 
-  [[nodiscard]] const Element& element() const { return *element_; }
+  [[nodiscard]] const std::shared_ptr<const Element>& element() const { return element_; }
 
   [[nodiscard]] View frame(const FrameSize& size) const;
   [[nodiscard]] View frame(const FrameLimits& limits) const;

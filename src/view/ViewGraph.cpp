@@ -13,6 +13,7 @@ namespace {
 /// Bodies and actions that keep changing what they read are cut off after this many rounds, so that
 /// a mistake in a view shows as a wrong picture and not as a hang.
 constexpr int maxRounds = 64;
+constexpr int maxUpdates = 4096;
 
 }  // namespace
 
@@ -36,14 +37,7 @@ void ViewGraph::requestFrame() {
   if (onNeedsFrame) onNeedsFrame();
 }
 
-void ViewGraph::componentWillChange() {
-  // What was changed in another transaction before is taken over with that one's animation, while
-  // the values of this one are still the old ones.
-  if (pending_ && !(*pending_ == Transaction::current())) flush();
-}
-
 void ViewGraph::componentDidChange(ComponentNodeBase& component) {
-  pending_ = Transaction::current();
   if (std::find(dirty_.begin(), dirty_.end(), &component) == dirty_.end())
     dirty_.push_back(&component);
   requestFrame();
@@ -52,31 +46,25 @@ void ViewGraph::componentDidChange(ComponentNodeBase& component) {
 void ViewGraph::componentGone(ComponentNodeBase& component) { std::erase(dirty_, &component); }
 
 void ViewGraph::flush() {
-  if (isFlushing_) return;
-  isFlushing_ = true;
   for (int round = 0; round < maxRounds && (!dirty_.empty() || !actions_.empty()); ++round) {
-    updateDirtyComponents();
-    isFlushing_ = false;
+    updateComponents();
     runActions();
-    isFlushing_ = true;
   }
-  isFlushing_ = false;
 }
 
-void ViewGraph::updateDirtyComponents() {
-  transaction_ = std::exchange(pending_, std::nullopt).value_or(Transaction{});
+void ViewGraph::updateComponents() {
+  if (isUpdating_) return;
+  isUpdating_ = true;
   hasStartedAnimation_ = false;
-  while (!dirty_.empty()) {
+  for (int count = 0; count < maxUpdates && !dirty_.empty(); ++count) {
     // Outer components first: they may replace or remove inner ones.
     const auto next = std::min_element(dirty_.begin(), dirty_.end(),
                                        [](auto* a, auto* b) { return a->depth() < b->depth(); });
-    ComponentNodeBase* component = *next;
-    dirty_.erase(next);
-    component->evaluate();
+    (*next)->evaluate();
   }
-  const Transaction done = std::exchange(transaction_, Transaction{});
-  if (hasStartedAnimation_ && done.animation && onAnimationStarted)
-    onAnimationStarted(*done.animation);
+  isUpdating_ = false;
+  const auto& animation = Transaction::current().animation;
+  if (hasStartedAnimation_ && animation && onAnimationStarted) onAnimationStarted(*animation);
 }
 
 void ViewGraph::runActions() {
@@ -92,24 +80,21 @@ void ViewGraph::setScale(double scale) {
 HostingView::Frame ViewGraph::prepareFrame(double lookAhead) {
   flush();
   frameTime_ = now() + lookAhead;
-  ++frameNumber_;
-  if (root_) {
-    root_->setVisible(true);
+  isMoving_ = root_->advance(true);
+  if (!dirty_.empty()) {
+    // A timeline came to be seen and has new content.
     flush();
+    isMoving_ = root_->advance(true);
   }
-  DisplayList list;
-  list.reserve(list_.size());
-  isMoving_ = root_ && root_->isMoving();
-  if (root_) {
-    root_->place(frame);
-    root_->draw(list, DrawState{});
-  }
-  HostingView::Frame result{.damage = difference(list_, list), .isAnimating = isMoving_};
-  list_ = std::move(list);
+  const auto offer = ProposedSize::of(frame.size());
+  root_->place(aligned(root_->sizeThatFits(offer), frame, Alignment::center), offer);
+  std::swap(list_, formerList_);
+  list_.clear();
+  root_->draw(list_, DrawState{});
   needsFrame_ = false;
   if (pointer_) updateHover();
-  if (isMoving_ || !dirty_.empty()) requestFrame();
-  return result;
+  if (isMoving_ || !dirty_.empty() || !actions_.empty()) requestFrame();
+  return {.damage = difference(formerList_, list_), .isAnimating = isMoving_};
 }
 
 void ViewGraph::pointerMoved(Point point) {
@@ -145,6 +130,7 @@ void ViewGraph::updateHover() {
   for (auto* hover : hovered_)
     if (std::find(former.begin(), former.end(), hover) == former.end()) hover->setInside(true);
   runActions();
+  if (!actions_.empty()) requestFrame();
 }
 
 void ViewGraph::hoverGone(const HoverNode& hover) { std::erase(hovered_, &hover); }

@@ -27,16 +27,14 @@ class ViewGraph {
 
   // What nodes ask for.
   [[nodiscard]] const HostingView::Services& services() const { return services_; }
-  /// The transaction of the description that is being taken over.
-  [[nodiscard]] const Transaction& transaction() const { return transaction_; }
   /// The time that animations start at.
   [[nodiscard]] double now() const { return services_.now(); }
   /// The time for which the frame is made.
   [[nodiscard]] double frameTime() const { return frameTime_; }
-  [[nodiscard]] std::uint64_t frameNumber() const { return frameNumber_; }
-  /// Device pixels per point while everything rests, so that edges can be put on pixels; 0 while
-  /// something moves.
-  [[nodiscard]] double restingScale() const { return isMoving_ ? 0 : scale_; }
+  /// Whether something moves in that frame.
+  [[nodiscard]] bool isMoving() const { return isMoving_; }
+  /// Device pixels per point.
+  [[nodiscard]] double scale() const { return scale_; }
   [[nodiscard]] const std::string& locale() const { return locale_; }
   /// The locale for what is taken over from now on; gives the one before.
   std::string exchangeLocale(std::string locale) {
@@ -49,7 +47,6 @@ class ViewGraph {
   void requestFrame();
 
   // What components tell.
-  void componentWillChange();
   void componentDidChange(ComponentNodeBase& component);
   void componentGone(ComponentNodeBase& component);
   void hoverGone(const HoverNode& hover);
@@ -75,25 +72,25 @@ class ViewGraph {
   [[nodiscard]] bool showsLinkPointer() const { return showsLink_; }
 
  private:
-  void updateDirtyComponents();
+  void updateComponents();
   void runActions();
   void updateHover();
 
   HostingView::Services services_;
-  Transaction transaction_;
-  std::optional<Transaction> pending_;
+  /// Takes over what changed in a transaction before the next one begins.
+  Token boundaries_ = Transaction::observeBoundaries([this] { updateComponents(); });
   double frameTime_ = 0;
-  std::uint64_t frameNumber_ = 0;
   double scale_ = 1;
   bool isMoving_ = false;
   bool needsFrame_ = false;
-  bool isFlushing_ = false;
+  bool isUpdating_ = false;
   bool hasStartedAnimation_ = false;
   std::string locale_;
   std::uint64_t serial_ = 0;
   std::vector<ComponentNodeBase*> dirty_;
   std::vector<std::function<void()>> actions_;
   DisplayList list_;
+  DisplayList formerList_;
 
   std::optional<Point> pointer_;
   std::vector<HoverNode*> hovered_;
