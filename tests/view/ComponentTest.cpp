@@ -1,0 +1,258 @@
+// Identity, state and what is evaluated when.
+
+#include <gtest/gtest.h>
+
+#include "tests/view/Stage.h"
+
+namespace valdrix::view {
+namespace {
+
+struct Model {
+  Observed<int> left{0};
+  Observed<int> right{0};
+  Observed<int> order{0};
+  Observed<bool> hasDetail{true};
+};
+
+struct Side {
+  const Observed<int>* value;
+  int* evaluations;
+  [[nodiscard]] View body() const {
+    ++*evaluations;
+    return label(std::to_string(value->get()));
+  }
+  bool operator==(const Side&) const = default;
+};
+
+TEST(Component, OnlyReadersOfWhatChangedAreEvaluatedAgain) {
+  Model model;
+  int outer = 0;
+  int left = 0;
+  int right = 0;
+  Stage stage(Made{[&] {
+    ++outer;
+    return hStack({.spacing = model.order.get() * 1.0},
+                  {Side{&model.left, &left}, Side{&model.right, &right}});
+  }});
+  stage.frame();
+  EXPECT_EQ(outer * 100 + left * 10 + right, 111);
+  model.left = 1;
+  model.left = 2;
+  EXPECT_TRUE(stage.host->needsFrame());
+  stage.frame();
+  EXPECT_EQ(outer * 100 + left * 10 + right, 121) << "once for both changes, and alone";
+  model.order = 1;
+  stage.frame();
+  EXPECT_EQ(outer * 100 + left * 10 + right, 221) << "equal components are left alone";
+}
+
+TEST(Component, ADescriptionThatIsTheSameIsLeftAlone) {
+  Model model;
+  int evaluations = 0;
+  const View content = Made{[&] {
+    ++evaluations;
+    return label("x");
+  }};
+  Stage stage(
+      Made{[&, content] { return hStack({.spacing = model.order.get() * 1.0}, {content}); }});
+  model.order = 1;
+  stage.frame();
+  EXPECT_EQ(evaluations, 1);
+}
+
+TEST(Component, ABodyThatChangesWhatItReadsIsCutOff) {
+  Model model;
+  Stage stage(Made{[&] {
+    model.left = model.left.get() + 1;
+    return label("x", red);
+  }});
+  stage.frame();
+  EXPECT_TRUE(stage.box(red));
+}
+
+/// Remembers the text that it was first made with.
+struct Row {
+  std::string text;
+  std::string* gone;
+  struct State {
+    std::string first;
+    Observed<bool> isHovered{false};
+  };
+  [[nodiscard]] View body(State& state) const {
+    if (state.first.empty()) state.first = text;
+    const bool isHovered = state.isHovered;
+    return label(state.first, isHovered ? green : red)
+        .onHover([&state](bool isInside) { state.isHovered = isInside; })
+        .onDisappear([&state, this_ = *this] { *this_.gone += state.first; });
+  }
+};
+
+class Rows : public testing::Test {
+ protected:
+  [[nodiscard]] View list() {
+    return Made{[this] {
+      std::vector<View> rows;
+      for (const auto& name : names.get())
+        rows.push_back(View(Row{name, &gone}).id(name.substr(0, 1)));
+      return vStack({.alignment = HorizontalAlignment::leading}, std::move(rows));
+    }};
+  }
+  [[nodiscard]] static std::string texts(const Stage& stage) {
+    std::string all;
+    for (const auto& item : stage.host->displayList()) all += item.text;
+    return all;
+  }
+  Observed<std::vector<std::string>> names{{"a", "b", "c"}};
+  std::string gone;
+};
+
+TEST_F(Rows, StateFollowsTheIdentityAndEndsWithIt) {
+  Stage stage(list());
+  stage.frame();
+  names = {"c2", "a2", "d"};
+  stage.frame();
+  EXPECT_EQ(texts(stage), "cad");
+  EXPECT_EQ(gone, "b");
+  names = {"b2"};
+  stage.frame();
+  EXPECT_EQ(texts(stage), "b2");
+}
+
+TEST_F(Rows, ActionsOfARowThatGoesStillFindItsState) {
+  auto stage = std::make_unique<Stage>(list());
+  stage->frame();
+  stage->host->pointerMoved({200, 145});
+  stage->frame();
+  EXPECT_TRUE(stage->box(green)) << "the second row is under the pointer";
+  names = {"a"};
+  stage->frame();
+  EXPECT_EQ(gone.size(), 2U);
+  stage.reset();
+  EXPECT_EQ(gone.size(), 3U);
+}
+
+TEST(Component, AnotherIdentityIsAnotherView) {
+  Observed<int> number(1);
+  std::string gone;
+  Stage stage(Made{[&] {
+    const std::string name = std::to_string(number);
+    return View(Row{name, &gone}).id(name);
+  }});
+  number = 2;
+  stage.frame();
+  EXPECT_EQ(stage.host->displayList().at(0).text, "2");
+  EXPECT_EQ(gone, "1");
+}
+
+TEST(Lifecycle, AppearChangeAndDisappear) {
+  Observed<bool> isShown(true);
+  Observed<int> value(1);
+  std::string told;
+  Stage stage(Made{[&]() -> View {
+    if (!isShown) return View();
+    return label("x")
+        .onAppear([&] { told += "appear "; })
+        .onDisappear([&] { told += "gone "; })
+        .onChange<int>(value, true, [&](int now) { told += "initial" + std::to_string(now) + ' '; })
+        .onChange<int>(value, false, [&](int now) { told += "later" + std::to_string(now) + ' '; });
+  }});
+  EXPECT_EQ(told, "appear initial1 ");
+  told.clear();
+  value = 2;
+  value = 3;
+  stage.frame();
+  EXPECT_EQ(told, "initial3 later3 ");
+  told.clear();
+  isShown = false;
+  stage.frame();
+  isShown = true;
+  stage.frame();
+  EXPECT_EQ(told, "gone appear initial3 ");
+}
+
+TEST(Lifecycle, AnActionMayChangeWhatWasRead) {
+  Observed<int> value(1);
+  Observed<int> doubled(0);
+  Stage stage(Made{[&] {
+    return label(std::to_string(doubled.get())).onChange<int>(value, true, [&](int now) {
+      doubled = 2 * now;
+    });
+  }});
+  value = 4;
+  stage.frame();
+  EXPECT_EQ(stage.host->displayList().at(0).text, "8");
+}
+
+TEST(Lifecycle, AppearInsideAGeometryReaderIsTold) {
+  bool hasAppeared = false;
+  Stage stage(geometryReader([&](Size size) -> View {
+    if (size.width < 100) return View();
+    return label("x").onAppear([&] { hasAppeared = true; });
+  }));
+  stage.frame();
+  ASSERT_TRUE(hasAppeared || stage.host->needsFrame());
+  stage.frame();
+  EXPECT_TRUE(hasAppeared);
+}
+
+TEST(Timeline, TicksOnlyWhileItCanBeSeenAndAloneWhatItShows) {
+  Observed<double> opacity(1.0);
+  int outer = 0;
+  int inner = 0;
+  Stage stage(Made{[&] {
+    ++outer;
+    return timeline(1,
+                    [&] {
+                      ++inner;
+                      return label("now");
+                    })
+        .opacity(opacity);
+  }});
+  EXPECT_TRUE(stage.timers.empty());
+  stage.frame();
+  EXPECT_EQ(inner, 1) << "fresh content is not built again";
+  ASSERT_EQ(stage.timers.size(), 1U);
+  EXPECT_EQ(stage.timers[0]->interval, 1);
+  stage.tick();
+  stage.frame();
+  EXPECT_EQ(inner, 2);
+  EXPECT_EQ(outer, 1);
+
+  opacity = 0;
+  stage.frame();
+  EXPECT_TRUE(stage.timers.empty());
+  inner = 0;
+  withAnimation(EaseOut{}, [&] { opacity = 1; });
+  inner = 0;
+  stage.frame();
+  EXPECT_EQ(inner, 0) << "the change that shows it has just built it";
+  EXPECT_EQ(stage.timers.size(), 1U);
+}
+
+TEST(Timeline, IsUpToDateWhenItComesToBeSeen) {
+  Observed<double> opacity(0.0);
+  int time = 1;
+  const View clock = timeline(60, [&] { return label(std::to_string(time)); });
+  Stage stage(Made{[&, clock] { return clock.opacity(opacity); }});
+  stage.frame();
+  time = 2;
+  opacity = 1;
+  stage.frame();
+  EXPECT_EQ(stage.host->displayList().at(0).text, "2");
+  stage.host.reset();
+  EXPECT_TRUE(stage.timers.empty());
+}
+
+TEST(Locale, ReachesTextThatNamesNoneAlsoWhenEvaluatedAlone) {
+  Observed<int> value(1);
+  Stage stage(hStack({}, {View(Made{[&] { return label(std::to_string(value)); }}).locale("fr_FR"),
+                          label("b"), text("c", {.locale = "de_DE"}, red)}));
+  value = 2;
+  stage.frame();
+  std::string all;
+  for (const auto& item : stage.host->displayList()) all += item.text + item.style.locale + ' ';
+  EXPECT_EQ(all, "2fr_FR b cde_DE ");
+}
+
+}  // namespace
+}  // namespace valdrix::view
