@@ -26,6 +26,7 @@ visit_states() {
   visit volume-up volumeHUD press XF86AudioRaiseVolume
   visit volume-up-fine volumeHUD press shift+XF86AudioRaiseVolume
   visit muted volumeHUD press XF86AudioMute
+  visit unmuted volumeHUD press XF86AudioMute
   visit volume-down volumeHUD press XF86AudioLowerVolume
   visit mixer volumeHUD pactl set-sink-volume speakers 30%
   visit brightness-up brightnessHUD press XF86MonBrightnessUp
@@ -54,7 +55,7 @@ begin_tour() {
 }
 
 end_tour() {
-  "$program" quit
+  "$program" quit >/dev/null
   local code=0
   wait "$agent" || code=$?
   [[ $code -eq 0 ]] || die "the agent ended with code $code:" "$(<"$session/agent.log")"

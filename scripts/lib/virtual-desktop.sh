@@ -114,7 +114,7 @@ sound_server_answers() { pactl info >/dev/null 2>&1; }
 
 # The compositor shows a root picture only when it was set by a program that announces it.
 start_window_manager() {
-  hsetroot -add '#26456e' -add '#8fa9c9' -gradient 180
+  hsetroot -solid '#4a6a94' >/dev/null
   start window-manager openbox --sm-disable
   wait_until "the window manager" window_manager_answers
   start compositor picom --backend xrender --config /dev/null
