@@ -118,9 +118,10 @@ bool writeWholeFile(const fs::path& file, std::string_view bytes) {
 void removeAbandonedWrites(const fs::path& file) {
   const auto target = followLinks(file);
   std::error_code error;
-  for (const auto& entry : fs::directory_iterator(target.parent_path(), error))
-    if (isAbandoned(entry.path().filename().string(), temporaryPrefix(target)))
-      ::unlink(entry.path().c_str());
+  fs::directory_iterator entry(target.parent_path(), error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+    if (isAbandoned(entry->path().filename().string(), temporaryPrefix(target)))
+      ::unlink(entry->path().c_str());
 }
 
 }  // namespace valdrix::desktop
