@@ -4,8 +4,7 @@
 
 namespace valdrix {
 
-/// `level` held to 0 to 1, as a target for a device: one that is not below 1 gives 1, and one that
-/// is not at least 0 gives 0.
+/// `level` held to 0 to 1. One that is not below 1, not-a-number included, gives 1.
 [[nodiscard]] constexpr float clampedLevel(float level) {
   const float held = level < 1.0F ? level : 1.0F;
   return held >= 0.0F ? held : 0.0F;

@@ -40,7 +40,8 @@ void VolumeService::installDefaultDeviceListener() {
 float VolumeService::readVolume() const {
   float value = 0;
   if (hardware_.getPropertyData(deviceID_, address::volume, value) != 0) return 0;
-  return clampedLevel(value);
+  // Not a number counts as silence here, where `clampedLevel` would make it full volume.
+  return value >= 0 ? clampedLevel(value) : 0;
 }
 
 bool VolumeService::readMute() const {

@@ -57,8 +57,8 @@ void synchronize(xcb_connection_t* connection) {
 xcb_keysym_t mediaKeysym(std::uint32_t code) { return mediaKeys.at(code).keysym; }
 std::string mediaKeyName(std::uint32_t code) { return mediaKeys.at(code).name; }
 
-X11KeyDesk::X11KeyDesk()
-    : display_(std::make_unique<VirtualDisplay>(QSize(320, 200))),
+X11KeyDesk::X11KeyDesk(QSize size)
+    : display_(std::make_unique<VirtualDisplay>(size)),
       client_(xcb_connect(display_->name().c_str(), nullptr)),
       window_(xcb_generate_id(client_.get())) {
   const std::uint32_t events =

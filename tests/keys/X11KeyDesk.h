@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <QSize>
+
 #include "desktop/x11/XcbHandles.h"
 #include "tests/support/VirtualDisplay.h"
 
@@ -18,7 +20,7 @@ namespace valdrix::tests {
 /// An X server with a keyboard and one window that has the focus: what a user would be typing into.
 class X11KeyDesk {
  public:
-  X11KeyDesk();
+  explicit X11KeyDesk(QSize size = {320, 200});
 
   [[nodiscard]] VirtualDisplay& display() { return *display_; }
   /// Key events by keycode, for keys whose symbol is ambiguous.

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+
+#include <QColor>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include "tests/display/SysfsTree.h"
+#include "tests/e2e/BackgroundWindow.h"
+#include "tests/keys/X11KeyDesk.h"
+#include "tests/session/PrivateBus.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/SoundServer.h"
+
+namespace valdrix::tests {
+
+/// A desktop of its own with the built program on it: an X server with a focused window and a
+/// compositing manager, a sound server with one output at half volume, a bus, and a backlight at
+/// half brightness. What is in `Services` can be left out.
+class AgentDesktop {
+ public:
+  struct Services {
+    bool hasCompositor = true;
+    bool hasSound = true;
+    bool hasBus = true;
+  };
+
+  explicit AgentDesktop(Services services = {true, true, true});
+  ~AgentDesktop();
+  AgentDesktop(const AgentDesktop&) = delete;
+  AgentDesktop& operator=(const AgentDesktop&) = delete;
+
+  static constexpr auto sink = "output";
+  static constexpr auto backlight = "panel";
+
+  /// Starts the program and waits until its panel stands there. Whether it does.
+  bool startAgent();
+  /// Asks the program to end as a session does; its exit code, -1 when it had to be killed.
+  int endAgent();
+  [[nodiscard]] bool isAgentRunning() const { return agent_ && agent_->isRunning(); }
+  /// Runs the program with other words, to its end.
+  [[nodiscard]] ChildProcess::Result command(const QStringList& words) const;
+
+  /// What the program says of itself; empty when it does not answer.
+  [[nodiscard]] QJsonObject status() const;
+  [[nodiscard]] QString presentation() const;
+  /// Waits until the panel shows that.
+  [[nodiscard]] bool awaitPresentation(const QString& wanted);
+  /// The device pixel of the screen, as the user sees it.
+  [[nodiscard]] QRgb pixel(QPoint at) { return display().screenshot().pixel(at); }
+  /// Waits for a pixel of the screen.
+  [[nodiscard]] bool awaitPixel(QPoint at, const std::function<bool(QRgb)>& condition);
+  [[nodiscard]] bool awaitVolume(double volume);
+
+  void setPreference(const char* key, const char* value) const;
+  [[nodiscard]] QString preferencesFile() const;
+
+  [[nodiscard]] VirtualDisplay& display() { return keys.display(); }
+
+  X11KeyDesk keys;
+  SoundServer sound;
+  std::unique_ptr<PrivateBus> bus;
+  SysfsTree sysfs;
+  BackgroundWindow background;
+
+ private:
+  [[nodiscard]] QProcessEnvironment environment() const;
+
+  QTemporaryDir home_;
+  std::unique_ptr<ChildProcess> agent_;
+};
+
+/// Codes of the media keys, as the desk presses them.
+namespace key {
+inline constexpr std::uint32_t volumeUp = 0;
+inline constexpr std::uint32_t volumeDown = 1;
+inline constexpr std::uint32_t brightnessUp = 2;
+inline constexpr std::uint32_t brightnessDown = 3;
+inline constexpr std::uint32_t mute = 7;
+}  // namespace key
+
+[[nodiscard]] inline bool isBlack(QRgb color) { return (color & RGB_MASK) == 0; }
+[[nodiscard]] inline bool isBackground(QRgb color) {
+  return (color & RGB_MASK) == (BackgroundWindow::color & RGB_MASK);
+}
+
+}  // namespace valdrix::tests
