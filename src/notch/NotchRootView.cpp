@@ -57,6 +57,7 @@ View NotchRootView::body(State& state) const {
   return view::zStack(
              Alignment::top,
              {
+                 housing(),
                  panel(presentation)
                      .frame({.width = panelSize.width,
                              .height = panelSize.height,
@@ -73,6 +74,13 @@ View NotchRootView::body(State& state) const {
                           self.viewModel->expandedSize = self.expandedSize(height);
                         })
       .locale("fr_FR");
+}
+
+View NotchRootView::housing() const {
+  // A spring swings past its end. Where a real housing is, it stays in sight then; on a screen
+  // without one the panel must not shrink to less than what it stands for.
+  return view::fill(NotchShape{collapsedCornerRadius}, Color::black())
+      .frame(view::FrameSize{.width = collapsedSize.width, .height = collapsedSize.height});
 }
 
 View NotchRootView::panel(NotchPresentation presentation) const {

@@ -116,7 +116,8 @@ TEST_F(NotchRoot, PanelHasTheSizeAndCornersOfItsPresentation) {
     // The expanded panel takes its height from its content, with a spring.
     drawn();
     now += 10;
-    const auto& panel = drawn().front();
+    // Behind it stands the housing.
+    const auto& panel = drawn().at(1);
     EXPECT_EQ(panel.color, Color::black());
     expectNear(panel.bounds, hanging(row.panel));
     const Path outline = NotchShape{row.radius}.path(panel.bounds);
@@ -126,9 +127,28 @@ TEST_F(NotchRoot, PanelHasTheSizeAndCornersOfItsPresentation) {
   }
 }
 
+TEST_F(NotchRoot, CollapsingNeverShowsLessThanTheHousing) {
+  model.isExpanded = true;
+  show();
+  drawn();
+  now += 10;
+  view::withAnimation(notchAnimation::show, [this] { model.isExpanded = false; });
+  drawn();
+  double narrowest = 580;
+  for (int frame = 0; frame < 60; ++frame) {
+    now += 1.0 / 60;
+    Rect black;
+    for (const auto& item : drawnIn(Color::black())) black = black.united(item.bounds);
+    narrowest = std::min(narrowest, drawn().at(1).bounds.width);
+    EXPECT_GE(black.width, 200);
+    EXPECT_GE(black.height, 32);
+  }
+  EXPECT_LT(narrowest, 200) << "the spring did not swing past its end";
+}
+
 TEST_F(NotchRoot, OnlyTheShownLayerIsDrawn) {
   show();
-  EXPECT_EQ(drawn().size(), 1U) << "collapsed: nothing but the black panel";
+  EXPECT_EQ(drawn().size(), 2U) << "collapsed: nothing but the housing and the black panel";
   model.isExpanded = true;
   EXPECT_EQ(drawnIn(probeColor).size(), 1U);
   EXPECT_TRUE(std::ranges::none_of(
@@ -246,7 +266,7 @@ TEST_F(NotchRoot, PanelAndCornersFollowOneSpring) {
     const auto at = [&](double from, double to) {
       return to + notchAnimation::show.motion(from - to, 0, time).position;
     };
-    const auto& panel = drawn().front();
+    const auto& panel = drawn().at(1);
     expectNear(panel.bounds, hanging({at(200, 580), at(32, 200)}));
     EXPECT_EQ(panel.path, NotchShape{at(10, 22)}.path(panel.bounds)) << time;
     EXPECT_EQ(*panel.clips.front(), panel.path) << time;
