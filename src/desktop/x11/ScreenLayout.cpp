@@ -5,6 +5,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <xcb/randr.h>
 
 namespace valdrix::desktop {
 
@@ -18,9 +19,16 @@ QRect deviceRectangle(const QScreen& screen) {
           QSize(qRound(geometry.width() * scale), qRound(geometry.height() * scale))};
 }
 
-// With no monitor left Qt shows a nameless stand-in, which has no size in millimetres either.
+bool canNameMonitors() {
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  const auto* randr = x11 ? xcb_get_extension_data(x11->connection(), &xcb_randr_id) : nullptr;
+  return randr && randr->present;
+}
+
+// With no monitor left Qt shows a stand-in under the display's name (":0.0"), as it does where it
+// cannot ask for monitors; then it is the real one.
 bool isStandIn(const QScreen& screen) {
-  return screen.name().isEmpty() || screen.geometry().isEmpty();
+  return screen.geometry().isEmpty() || (screen.name().contains(u':') && canNameMonitors());
 }
 
 int distance(const QRect& rectangle, QPoint point) {

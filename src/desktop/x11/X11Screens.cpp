@@ -2,6 +2,9 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <xcb/randr.h>
+
+#include "desktop/x11/X11Connection.h"
 
 namespace valdrix::desktop {
 
@@ -15,6 +18,24 @@ X11Screens::X11Screens(const CameraHousings& housings) : housings_(housings), kn
   QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &context_,
                    [this] { scheduleUpdate(); });
   for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+  qGuiApp->installNativeEventFilter(this);
+}
+
+X11Screens::~X11Screens() {
+  if (qGuiApp) qGuiApp->removeNativeEventFilter(this);
+}
+
+// When the last monitor goes, Qt turns its screen into a stand-in and signals nothing.
+bool X11Screens::nativeEventFilter(const QByteArray& kind, void* message, qintptr*) {
+  if (kind != "xcb_generic_event_t") return false;
+  const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  const auto* randr = x11 ? xcb_get_extension_data(x11->connection(), &xcb_randr_id) : nullptr;
+  if (!randr || !randr->present) return false;
+  const auto type = eventType(*static_cast<const xcb_generic_event_t*>(message));
+  if (type == randr->first_event + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+      type == randr->first_event + XCB_RANDR_NOTIFY)
+    scheduleUpdate();
+  return false;
 }
 
 void X11Screens::watch(QScreen* screen) {

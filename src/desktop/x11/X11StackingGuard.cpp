@@ -9,13 +9,15 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr int millisecondsBetweenRaises = 1000;
 constexpr int mostRaisesAgainstOneWindow = 3;
 
 }  // namespace
 
-X11StackingGuard::X11StackingGuard(X11Connection& connection, std::function<void()> raise)
-    : connection_(connection), raise_(std::move(raise)) {
+X11StackingGuard::X11StackingGuard(X11Connection& connection, std::function<void()> raise,
+                                   int millisecondsBetweenRaises)
+    : connection_(connection),
+      raise_(std::move(raise)),
+      millisecondsBetweenRaises_(millisecondsBetweenRaises) {
   if (!connection_.isUsable()) return;
   typeProperty_ = connection_.atom("_NET_WM_WINDOW_TYPE");
   for (const char* name :
@@ -53,6 +55,8 @@ void X11StackingGuard::handle(const xcb_generic_event_t& event) {
     }
     case XCB_UNMAP_NOTIFY:
       raisesAgainst_.erase(eventAs<xcb_unmap_notify_event_t>(event).window);
+      // It may have been what kept us from rising above another one.
+      scheduleCheck();
       return;
     default:
       return;
@@ -61,8 +65,8 @@ void X11StackingGuard::handle(const xcb_generic_event_t& event) {
 
 void X11StackingGuard::scheduleCheck() {
   if (timer_.isActive()) return;
-  const auto since = sinceRaise_.isValid() ? sinceRaise_.elapsed() : millisecondsBetweenRaises;
-  timer_.start(static_cast<int>(std::max<qint64>(0, millisecondsBetweenRaises - since)), this);
+  const auto since = sinceRaise_.isValid() ? sinceRaise_.elapsed() : millisecondsBetweenRaises_;
+  timer_.start(static_cast<int>(std::max<qint64>(0, millisecondsBetweenRaises_ - since)), this);
 }
 
 void X11StackingGuard::timerEvent(QTimerEvent*) {

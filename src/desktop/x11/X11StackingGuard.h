@@ -20,12 +20,11 @@ namespace valdrix::desktop {
 class X11StackingGuard : public QObject {
  public:
   /// `raise` puts the panel on top. `connection` must outlive it.
-  X11StackingGuard(X11Connection& connection, std::function<void()> raise);
+  X11StackingGuard(X11Connection& connection, std::function<void()> raise,
+                   int millisecondsBetweenRaises = 1000);
 
   /// Guards the part `area` of `window` (device pixels of the root) on the screen `screen`.
   void start(xcb_window_t window, xcb_window_t companion, const QRect& area, const QRect& screen);
-  /// The part that must stay visible changed.
-  void setArea(const QRect& area) { area_ = area; }
   void stop();
 
  protected:
@@ -48,6 +47,7 @@ class X11StackingGuard : public QObject {
 
   X11Connection& connection_;
   std::function<void()> raise_;
+  const int millisecondsBetweenRaises_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
   xcb_window_t companion_ = XCB_WINDOW_NONE;
   QRect area_;

@@ -1,0 +1,130 @@
+#include <gmock/gmock.h>
+
+#include "tests/x11/TestPanel.h"
+
+namespace valdrix::tests {
+namespace {
+
+using platform::eventMask::leftMouseDragged;
+using platform::eventMask::mouseMoved;
+using platform::eventMask::rightMouseDragged;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// What every pointer does, whatever the desktop.
+class PointerContract : public testing::TestWithParam<std::string> {
+ protected:
+  PointerContract() {
+    panel.show();
+    for (const auto kind : {mouseMoved, leftMouseDragged, rightMouseDragged}) {
+      tokens.push_back(world->pointer().addGlobalMonitorForEventsMatchingMask(
+          kind, [this, kind] { heard.push_back("global " + name(kind)); }));
+      tokens.push_back(world->pointer().addLocalMonitorForEventsMatchingMask(
+          kind, [this, kind] { heard.push_back("local " + name(kind)); }));
+    }
+  }
+
+  static std::string name(std::uint32_t kind) {
+    return kind == mouseMoved ? "move" : kind == leftMouseDragged ? "drag" : "right drag";
+  }
+  std::vector<std::string> listen() { return std::exchange(heard, {}); }
+  std::vector<std::string> move(double dx, double down) {
+    world->move(panel.at(dx, down));
+    return listen();
+  }
+
+  std::unique_ptr<DeskWorld> world = makeDeskWorld(GetParam());
+  TestPanel panel{*world};
+  std::vector<std::string> heard;
+  std::vector<Token> tokens;
+};
+INSTANTIATE_TEST_SUITE_P(On, PointerContract, allDeskWorlds, deskWorldName);
+
+TEST_P(PointerContract, ReportsCrossingsAndMotionInside) {
+  move(0, 200);
+  EXPECT_THAT(move(0, 16), ElementsAre("global move")) << "to the desktop: the panel ignores it";
+  EXPECT_THAT(move(5, 16), ElementsAre("global move"));
+  panel.accept();
+  EXPECT_THAT(listen(), IsEmpty()) << "nothing moved";
+  EXPECT_THAT(move(9, 16), ElementsAre("local move"));
+  EXPECT_THAT(move(0, 200), ElementsAre("global move"));
+}
+
+TEST_P(PointerContract, CountsAllFourEdgesAsInside) {
+  panel.accept();
+  for (const auto& [dx, down] : std::vector<std::pair<double, double>>{
+           {0, 32}, {0, 0}, {-50, 16}, {50, 16}, {-50, 32}, {50, 0}}) {
+    SCOPED_TRACE(testing::Message() << dx << ',' << down);
+    move(0, 200);
+    EXPECT_THAT(move(dx, down), ElementsAre("local move"));
+  }
+  EXPECT_THAT(move(0, 33), ElementsAre("global move"));
+}
+
+TEST_P(PointerContract, KnowsWhereThePointerIsEverywhere) {
+  for (const auto& place :
+       {panel.at(0, 0), panel.at(0, 32), panel.at(-300, 333), panel.at(299, 5)}) {
+    world->move(place);
+    EXPECT_EQ(world->pointer().mouseLocation(), place);
+  }
+}
+
+TEST_P(PointerContract, NothingThatChangesUnderARestingPointerIsMotion) {
+  move(0, 60);
+  panel.track({100, 100});
+  EXPECT_THAT(listen(), IsEmpty()) << "grown over it";
+  panel.accept();
+  EXPECT_THAT(move(0, 61), ElementsAre("local move"));
+  panel.track({100, 32});
+  EXPECT_THAT(listen(), IsEmpty()) << "shrunk away from it";
+  EXPECT_THAT(move(0, 62), ElementsAre("global move")) << "its way out";
+  panel.track({100, 100});
+  panel.window->orderOut();
+  world->settle();
+  panel.show();
+  EXPECT_THAT(listen(), IsEmpty()) << "hidden and shown";
+  TestPanel other(*world);
+  other.track({100, 100});
+  other.show();
+  EXPECT_THAT(listen(), IsEmpty()) << "a new window";
+}
+
+// A panel that shrank away from a pointer, which then jumps, must still hear of it.
+TEST_P(PointerContract, TheMotionAfterARestIsHeardWhereverItGoes) {
+  panel.accept();
+  panel.track({100, 100});
+  move(0, 60);
+  panel.track({100, 32});
+  listen();
+  EXPECT_THAT(move(250, 300), ElementsAre("global move"));
+}
+
+TEST_P(PointerContract, HearsDragsOfOtherPrograms) {
+  panel.accept();
+  move(0, 200);
+  world->drag({panel.at(0, 100), panel.at(0, 20), panel.at(0, 10), panel.at(0, 100)}, false);
+  EXPECT_THAT(listen(), ElementsAre("global drag", "global drag", "global drag"));
+  world->drag({panel.at(0, 20), panel.at(0, 150)}, true);
+  EXPECT_THAT(listen(), ElementsAre("global right drag", "global right drag"));
+  // Let go inside: the way out is an ordinary one.
+  world->drag({panel.at(0, 20)}, false);
+  listen();
+  EXPECT_THAT(move(0, 21), ElementsAre("local move"));
+  EXPECT_THAT(move(0, 150), ElementsAre("global move"));
+}
+
+TEST_P(PointerContract, MonitorsEndWithTheirTokens) {
+  tokens.clear();
+  EXPECT_THAT(move(0, 16), IsEmpty());
+  int count = 0;
+  Token self = world->pointer().addGlobalMonitorForEventsMatchingMask(mouseMoved, [&] {
+    ++count;
+    self.reset();
+  });
+  move(0, 17);
+  move(0, 18);
+  EXPECT_EQ(count, 1) << "a monitor that ends itself";
+}
+
+}  // namespace
+}  // namespace valdrix::tests
