@@ -15,9 +15,10 @@ build() {
   unrandomised cmake --build --preset "$preset" "$@" -- --quiet
 }
 
-# The program as it is installed; the tests belong to the other presets.
+# The program as it is installed; the tests belong to the other presets, the benchmarks to
+# scripts/bench.
 build_release() {
-  configure release -DVALDRIX_TESTS=OFF
+  configure release -DVALDRIX_TESTS=OFF -DVALDRIX_BENCH=OFF
   build release
 }
 
