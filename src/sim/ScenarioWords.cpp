@@ -57,7 +57,10 @@ bool ScenarioWords::takeIf(std::string_view word) {
 
 std::size_t ScenarioWords::takeChoice(std::initializer_list<std::string_view> choices) {
   std::string list;
-  for (const auto choice : choices) list += (list.empty() ? "" : ", ") + std::string(choice);
+  for (const auto choice : choices) {
+    if (!list.empty()) list += ", ";
+    list += choice;
+  }
   const auto word = take("un mot parmi " + list);
   std::size_t index = 0;
   for (const auto choice : choices) {

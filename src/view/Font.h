@@ -13,7 +13,7 @@ struct Font {
   double size = 13;
   FontWeight weight = FontWeight::regular;
   FontDesign design = FontDesign::standard;
-  /// All digits take the width of the widest, so that a changing number does not shift.
+  /// All digits take the same width, so that a changing number does not shift.
   bool hasMonospacedDigits = false;
   bool operator==(const Font&) const = default;
 };

@@ -76,8 +76,12 @@ void QtTextLayout::widenDigits() {
   const QFontMetricsF metrics(layout_.font());
   for (std::size_t digit = 0; digit < digitPads_.size(); ++digit)
     digitPads_[digit] = metrics.horizontalAdvance(QChar(u'0' + static_cast<char16_t>(digit)));
-  const double widest = *std::max_element(digitPads_.begin(), digitPads_.end());
-  for (double& pad : digitPads_) pad = (widest - pad) / 2;
+  // One digit may be much wider than all others, as the 4 of some rounded faces is; a cell for it
+  // would space the others apart. It reaches a little into its neighbours' cells instead.
+  auto widths = digitPads_;
+  std::nth_element(widths.begin(), widths.end() - 2, widths.end());
+  const double cell = *(widths.end() - 2);
+  for (double& pad : digitPads_) pad = (cell - pad) / 2;
 }
 
 double QtTextLayout::pad(QChar character) const {
@@ -96,7 +100,7 @@ void QtTextLayout::setText(const QString& text) {
     const bool isCarried = i == 0 || standsAlone(text[i - 1]);
     const double own = pad(text[i]) * (isCarried ? 1 : 2);
     const double space = own + (carriesNext ? pad(text[i + 1]) : 0);
-    if (!isDigit && space <= 0) continue;
+    if (!isDigit && space == 0) continue;
     QFont font = layout_.font();
     font.setLetterSpacing(QFont::AbsoluteSpacing, tracking_ + space);
     font.setKerning(false);
