@@ -8,6 +8,7 @@
 
 #include "desktop/audio/ChannelBalance.h"
 #include "desktop/audio/PulseDevices.h"
+#include "desktop/audio/SecondLook.h"
 #include "desktop/audio/SnapshotGate.h"
 #include "sim/ManualRunLoop.h"
 
@@ -129,6 +130,53 @@ TEST_F(SnapshotGateTest, NoOutputIsBelievedWhenItLasts) {
   receive(serverWith(1, {{"b", 1}}));
   loop_.advance(10);
   EXPECT_EQ(believed(), "b100") << "a gap while the default is replaced";
+}
+
+class SecondLookTest : public testing::Test {
+ protected:
+  sim::Trace trace_;
+  sim::ManualRunLoop loop_{trace_};
+  int looks_ = 0;
+  SecondLook secondLook_{loop_, [this] { ++looks_; }};
+};
+
+TEST_F(SecondLookTest, ComesOnceAfterAServerHasAppeared) {
+  secondLook_.receive(serverWith(1, {{"a", 1}}));
+  loop_.advance(2);
+  secondLook_.receive(serverWith(1, {{"b", 1}}));
+  loop_.advance(2);
+  EXPECT_EQ(looks_, 1);
+  secondLook_.receive(noServer);
+  secondLook_.receive(serverWith(2, {{"b", 1}}));
+  EXPECT_EQ(loop_.timerCount(), 0U) << "the connection that was asked for";
+  secondLook_.receive(noServer);
+  secondLook_.receive(serverWith(3, {{"b", 1}}));
+  loop_.advance(1);
+  secondLook_.receive(noServer);
+  loop_.advance(60);
+  EXPECT_EQ(looks_, 1) << "nothing to ask";
+  secondLook_.receive(serverWith(4, {}));
+  loop_.advance(60);
+  EXPECT_EQ(looks_, 1) << "nothing to ask about";
+}
+
+TEST_F(SecondLookTest, ComesEverMoreRarelyWhileNoSinkIsTheDefault) {
+  auto doubtful = serverWith(1, {{"a", 1}});
+  doubtful.defaultSink = "@DEFAULT_SINK@";
+  for (int second = 0; second < 3600; ++second) {
+    const int before = looks_;
+    secondLook_.receive(doubtful);
+    loop_.advance(1);
+    if (looks_ > before) ++doubtful.connection;
+  }
+  EXPECT_GT(looks_, 10);
+  EXPECT_LT(looks_, 70);
+  secondLook_.receive(serverWith(doubtful.connection, {{"a", 1}}));
+  loop_.advance(120);
+  const int before = looks_;
+  secondLook_.receive(doubtful);
+  loop_.advance(2);
+  EXPECT_EQ(looks_, before + 1) << "a new doubt is followed soon";
 }
 
 TEST(PulseDevices, ASinkKeepsItsIdAndNobodyElseGetsIt) {

@@ -52,7 +52,7 @@ class SoundServer {
   void adoptEnvironment() const;
 
   /// Runs the server's own command-line client; its output, or nothing when it fails.
-  std::optional<QString> pactl(const QStringList& arguments);
+  std::optional<QString> pactl(const QStringList& arguments) const;
 
   // As another program would, and back only when the server has done it. Whether it did.
   bool addSink(const Sink& sink);

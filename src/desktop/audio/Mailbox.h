@@ -1,9 +1,9 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <semaphore>
 #include <utility>
 
 namespace valdrix::desktop {
@@ -15,27 +15,24 @@ class Mailbox {
   /// Puts `value` in. Whether the box was empty, so that the reader has to be told.
   bool put(T value) {
     const std::lock_guard lock(mutex_);
-    const bool wasEmpty = !value_.has_value();
-    value_ = std::move(value);
-    filled_.notify_one();
-    return wasEmpty;
+    if (!std::exchange(hasFirst_, true)) first_.release();
+    return !std::exchange(value_, std::move(value)).has_value();
   }
   /// Empties the box; nothing when it is empty.
   [[nodiscard]] std::optional<T> take() {
     const std::lock_guard lock(mutex_);
     return std::exchange(value_, std::nullopt);
   }
-  /// The same, waiting for a value up to `bound`.
-  [[nodiscard]] std::optional<T> waitAndTake(std::chrono::milliseconds bound) {
-    std::unique_lock lock(mutex_);
-    filled_.wait_for(lock, bound, [&] { return value_.has_value(); });
-    return std::exchange(value_, std::nullopt);
+  /// Waits until anything was ever put in, up to `bound`. For one waiter, once.
+  void waitForFirst(std::chrono::milliseconds bound) {
+    static_cast<void>(first_.try_acquire_for(bound));
   }
 
  private:
   std::mutex mutex_;
-  std::condition_variable filled_;
   std::optional<T> value_;
+  bool hasFirst_ = false;
+  std::binary_semaphore first_{0};
 };
 
 }  // namespace valdrix::desktop

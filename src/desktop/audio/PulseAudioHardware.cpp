@@ -26,17 +26,25 @@ constexpr auto unknownProperty = static_cast<AudioStatus>(platform::fourCharacte
 PulseAudioHardware::PulseAudioHardware(platform::RunLoop& runLoop)
     : runLoop_(runLoop),
       gate_(runLoop, [this](const PulseSnapshot& snapshot) { believe(snapshot); }),
+      secondLook_(runLoop, [this] { connection_.perform([this] { connection_.reconnect(); }); }),
       sinks_([this, receive = lifetime_.weak([this] { receiveLatest(); })](
                  const PulseSnapshot& snapshot) {
         if (mailbox_.put(snapshot)) runLoop_.async(receive);
       }),
       connection_({.onReady = [this](pa_context* context) { sinks_.attach(context); },
                    .onLost = [this] { sinks_.detach(); }}) {
-  if (auto first = mailbox_.waitAndTake(longestStart)) gate_.begin(std::move(*first));
+  mailbox_.waitForFirst(longestStart);
+  if (const auto first = mailbox_.take()) {
+    secondLook_.receive(*first);
+    gate_.begin(*first);
+  }
 }
 
 void PulseAudioHardware::receiveLatest() {
-  if (auto snapshot = mailbox_.take()) gate_.receive(std::move(*snapshot));
+  const auto snapshot = mailbox_.take();
+  if (!snapshot) return;
+  secondLook_.receive(*snapshot);
+  gate_.receive(*snapshot);
 }
 
 void PulseAudioHardware::believe(const PulseSnapshot& snapshot) {

@@ -4,6 +4,7 @@
 #include "desktop/audio/PulseConnection.h"
 #include "desktop/audio/PulseDevices.h"
 #include "desktop/audio/PulseSinks.h"
+#include "desktop/audio/SecondLook.h"
 #include "desktop/audio/SnapshotGate.h"
 #include "observation/Lifetime.h"
 #include "platform/AudioHardware.h"
@@ -33,7 +34,9 @@ namespace valdrix::desktop {
 ///
 /// What remains visible: a program that starts in the short time between a new server's first
 /// output and the one that the user chose sees a change of device; a level that is another one
-/// after a restart is reported as the change that it is.
+/// after a restart is reported as the change that it is. PipeWire's server (0.3.65 for one) now and
+/// then doesn't tell a client of a new default; soon after it has appeared such a lapse is made up
+/// for, see `SecondLook`, later it lasts until the next change.
 ///
 /// A volume is the loudest channel over 100 % (above 1 when amplified); writing one, limited to 0
 /// to 1, keeps the balance of the channels, through 0 as well. Writes that come faster than the
@@ -71,6 +74,7 @@ class PulseAudioHardware final : public platform::AudioHardware {
   platform::AudioPropertyListeners listeners_;
   PulseDevices devices_;
   SnapshotGate gate_;
+  SecondLook secondLook_;
   SinkWrites requested_;
   Mailbox<PulseSnapshot> mailbox_;
   Lifetime lifetime_;

@@ -61,8 +61,16 @@ void PulseConnection::connect() {
     handleLoss();
 }
 
+void PulseConnection::reconnect() {
+  if (!context_ || pa_context_get_state(context_.get()) != PA_CONTEXT_READY) return;
+  isLinked_ = false;
+  callbacks_.onLost();
+  scheduleAttempt(0);
+}
+
 void PulseConnection::handleState() {
   const auto state = pa_context_get_state(context_.get());
+  if (!isLinked_) return;
   if (state == PA_CONTEXT_FAILED || state == PA_CONTEXT_TERMINATED) return handleLoss();
   if (state != PA_CONTEXT_READY) return;
   watch_.reset();

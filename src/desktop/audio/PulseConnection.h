@@ -32,6 +32,10 @@ class PulseConnection {
   PulseConnection(const PulseConnection&) = delete;
   PulseConnection& operator=(const PulseConnection&) = delete;
 
+  /// Leaves the server, which is told as a loss, and connects again at once. Does nothing while not
+  /// connected. Its owner holds the connection's thread off with `perform`.
+  void reconnect();
+
   /// Runs `block` while the connection's thread runs none of the callbacks.
   template <class F>
   void perform(F&& block) {

@@ -31,4 +31,9 @@ const PulseSink* PulseSnapshot::output() const {
   return isDummy(defaultSink) ? nullptr : find(defaultSink);
 }
 
+bool PulseSnapshot::hasUnnamedOutput() const {
+  return !output() &&
+         std::ranges::any_of(sinks, [](const PulseSink& sink) { return !isDummy(sink.name); });
+}
+
 }  // namespace valdrix::desktop

@@ -30,6 +30,8 @@ struct PulseSnapshot {
   [[nodiscard]] const PulseSink* find(const std::string& name) const;
   /// The sink that sound goes to, if there is one that anybody could hear.
   [[nodiscard]] const PulseSink* output() const;
+  /// Whether there is a sink that could be heard, but none that sound goes to.
+  [[nodiscard]] bool hasUnnamedOutput() const;
   bool operator==(const PulseSnapshot&) const = default;
 };
 

@@ -19,17 +19,17 @@ SnapshotGate::SnapshotGate(platform::RunLoop& runLoop,
                            std::function<void(const PulseSnapshot&)> believe)
     : runLoop_(runLoop), believe_(std::move(believe)) {}
 
-void SnapshotGate::begin(PulseSnapshot first) {
-  latest_ = std::move(first);
+void SnapshotGate::begin(const PulseSnapshot& first) {
+  latest_ = first;
   enter(phaseAfter(latest_));
   if (latest_.connection != 0) believe();
 }
 
-void SnapshotGate::receive(PulseSnapshot snapshot) {
+void SnapshotGate::receive(const PulseSnapshot& snapshot) {
   const Phase phase = phaseAfter(snapshot);
   const bool isNew =
       phase != phase_ || (phase == Phase::settling && !isSameOutput(latest_, snapshot));
-  latest_ = std::move(snapshot);
+  latest_ = snapshot;
   if (phase != phase_) enter(phase);
   if (phase == Phase::settled || (phase == Phase::noOutput && !hasBelievedOutput_))
     believe();

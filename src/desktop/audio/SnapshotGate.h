@@ -29,8 +29,8 @@ class SnapshotGate {
   SnapshotGate(platform::RunLoop& runLoop, std::function<void(const PulseSnapshot&)> believe);
 
   /// The first snapshot: an output in it is believed as it is, since nothing is known yet.
-  void begin(PulseSnapshot first);
-  void receive(PulseSnapshot snapshot);
+  void begin(const PulseSnapshot& first);
+  void receive(const PulseSnapshot& snapshot);
   /// The last snapshot received, believed or not.
   [[nodiscard]] const PulseSnapshot& latest() const { return latest_; }
 
