@@ -19,8 +19,8 @@ struct X11Desktop {
       const QtTextMetrics& textMetrics,
       const CameraHousings::Sources& sources = CameraHousings::Sources::fromEnvironment())
       : housings(sources),
-        panelWindows({connection, pointer, cursor, screens, compositing, textMetrics,
-                      framesDrawn}) {}
+        panelWindows(
+            {connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn}) {}
 
   X11Connection connection;
   CameraHousings housings;

@@ -68,7 +68,7 @@ class X11InputRegion {
   X11Pointer& pointer_;
   Handlers handlers_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
-  xcb_cursor_t cursor_ = XCB_CURSOR_NONE;
+  xcb_cursor_t cursor_ = XCB_CURSOR_NONE;  ///< the one shown
   QRect frame_;
   QRect rectangle_;
   bool ignoresMouseEvents_ = false;

@@ -218,7 +218,8 @@ void X11PanelWindow::applyTrackedRectangle() {
 
 void X11PanelWindow::drawFrame() {
   QRect area;
-  if (content_) area = coveredPixels(content_->prepareFrame(1 / screen_.refreshRate).damage, screen_.scale);
+  if (content_)
+    area = coveredPixels(content_->prepareFrame(1 / screen_.refreshRate).damage, screen_.scale);
   if (std::exchange(needsFullPaint_, false)) {
     area |= inked_;
     if (content_)
