@@ -44,7 +44,8 @@ inline constexpr AudioObjectPropertyAddress mute{fourCharacterCode("mute"),
 /// 0 is success, anything else a failure that changed nothing.
 using AudioStatus = std::int32_t;
 
-/// The audio devices as objects with properties. Main thread only; no call waits for a sound server.
+/// The audio devices as objects with properties. Main thread only; no call waits for a sound
+/// server.
 ///
 /// Reads answer from the latest state that is known. A write is a request: it takes effect later or
 /// not at all, and the listeners, not the write's status, tell what became of it. Listeners are

@@ -10,8 +10,8 @@ class HostingView;
 
 namespace valdrix::platform {
 
-/// What kind of window a panel is. The defaults describe an ordinary window; an adapter honours what
-/// its desktop knows.
+/// What kind of window a panel is. The defaults describe an ordinary window; an adapter honours
+/// what its desktop knows.
 struct PanelConfiguration {
   /// Without title bar or border.
   bool isBorderless = false;
@@ -39,8 +39,8 @@ struct PanelConfiguration {
 /// thread only.
 ///
 /// An adapter delivers the pointer to the hosting view while the window accepts it, draws a frame
-/// when the hosting view asks for one (at most one per refresh of the screen, and only the part that
-/// changed), and follows the scale of its screen.
+/// when the hosting view asks for one (at most one per refresh of the screen, and only the part
+/// that changed), and follows the scale of its screen.
 class PanelWindow {
  public:
   virtual ~PanelWindow() = default;
@@ -59,9 +59,9 @@ class PanelWindow {
 
   /// The part of the window, in its own coordinates (origin top left), in which the pointer matters
   /// to the core right now. A desktop that cannot watch the pointer for free reports motion only
-  /// where this rectangle begins or ends and inside it, and while `ignoresMouseEvents` is false takes
-  /// clicks only inside it. A rectangle that changes under a resting pointer is no motion: until the
-  /// pointer moves, nothing is reported and clicks go where they went before.
+  /// where this rectangle begins or ends and inside it, and while `ignoresMouseEvents` is false
+  /// takes clicks only inside it. A rectangle that changes under a resting pointer is no motion:
+  /// until the pointer moves, nothing is reported and clicks go where they went before.
   virtual void setTrackedRectangle(const view::Rect& rectangle) = 0;
 };
 

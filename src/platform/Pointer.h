@@ -18,10 +18,10 @@ inline constexpr std::uint32_t rightMouseDragged = 1U << 7;
 /// The pointer's position and motion. Main thread only.
 ///
 /// A global monitor sees motion that is delivered to other programs, a local one motion that is
-/// delivered to a window of this one. An adapter may report only motion that enters, leaves or stays
-/// inside a panel's tracked rectangle (see `PanelWindow::setTrackedRectangle`), as long as every
-/// crossing of its edge is reported. Motion is a change of the pointer's place: windows that appear,
-/// go or change under a resting pointer are none.
+/// delivered to a window of this one. An adapter may report only motion that enters, leaves or
+/// stays inside a panel's tracked rectangle (see `PanelWindow::setTrackedRectangle`), as long as
+/// every crossing of its edge is reported. Motion is a change of the pointer's place: windows that
+/// appear, go or change under a resting pointer are none.
 class Pointer {
  public:
   virtual ~Pointer() = default;

@@ -18,8 +18,8 @@ class RunLoop {
   /// Calls `block` on the main thread after `interval` seconds, once or, when `repeats`, every
   /// `interval` seconds from now, until the token ends. A tick may be late; a loop that was held up
   /// makes up for missed ticks with one. Any positive interval up to infinity is valid, also one
-  /// longer than the machine will live; one of 0 or less runs at the loop's next turn, once. `block`
-  /// may end its own timer.
+  /// longer than the machine will live; one of 0 or less runs at the loop's next turn, once.
+  /// `block` may end its own timer.
   [[nodiscard]] virtual Token scheduleTimer(double interval, bool repeats,
                                             std::function<void()> block) = 0;
 

@@ -27,8 +27,8 @@ struct KnownPanel {
 };
 
 // Laptops whose device trees are in Linux (arch/arm64/boot/dts/apple). Panel sizes are the makers'
-// figures: 16:10 and the rows beside the housing. Housing widths are approximate; the user's file or
-// VALDRIX_NOTCH corrects them.
+// figures: 16:10 and the rows beside the housing. Housing widths are approximate; the user's file
+// or VALDRIX_NOTCH corrects them.
 constexpr KnownPanel knownPanels[] = {
     {"apple,j314s", 3024, 1964, 370, 64}, {"apple,j314c", 3024, 1964, 370, 64},
     {"apple,j316s", 3456, 2234, 370, 64}, {"apple,j316c", 3456, 2234, 370, 64},
