@@ -4,8 +4,8 @@
 
 namespace valdrix::tests {
 
-/// Runs the event loop until `condition` holds, for `milliseconds` at most. Whether it came to hold.
-/// Needs a QCoreApplication.
+/// Runs the event loop until `condition` holds, for `milliseconds` at most. Whether it came to
+/// hold. Needs a QCoreApplication.
 [[nodiscard]] bool waitFor(const std::function<bool()>& condition, int milliseconds = 10000);
 
 }  // namespace valdrix::tests
