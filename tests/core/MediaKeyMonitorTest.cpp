@@ -122,44 +122,5 @@ TEST_F(MediaKeys, AGroupIsTakenOnlyWhileItCanBeShown) {
   }
 }
 
-TEST_F(MediaKeys, NothingHappensWithoutADelegate) {
-  const InputEvent volumeUp{8, 0x00000A00, 0};
-  EXPECT_EQ(monitor.handleTapEvent(14, &volumeUp), TapResult::swallow);
-  delegate.reset();
-  runLoop.runPending();
-  const InputEvent brightnessUp{8, 0x00020A00, 0};
-  EXPECT_EQ(monitor.handleTapEvent(14, &brightnessUp), TapResult::pass);
-}
-
-TEST_F(MediaKeys, PendingActionsEndWithTheMonitor) {
-  auto shortLived = std::make_unique<MediaKeyMonitor>(runLoop, accessibility, taps, defaults);
-  shortLived->setDelegate(delegate);
-  const InputEvent volumeUp{8, 0x00000A00, 0};
-  EXPECT_EQ(shortLived->handleTapEvent(14, &volumeUp), TapResult::swallow);
-  shortLived.reset();
-  runLoop.runPending();
-  EXPECT_TRUE(delegate->actions.empty());
-}
-
-TEST_F(MediaKeys, StartingAgainInstallsNothingNew) {
-  EXPECT_TRUE(monitor.start());
-  EXPECT_TRUE(monitor.start());
-  EXPECT_EQ(taps.activeTapCount(), 1U);
-  monitor.stop();
-  EXPECT_FALSE(monitor.isTapInstalled());
-  EXPECT_EQ(taps.activeTapCount(), 0U);
-}
-
-TEST_F(MediaKeys, AStartThatSucceedsEndsTheRetries) {
-  accessibility.setTrusted(false);
-  EXPECT_FALSE(monitor.start());
-  monitor.startPermissionRetry();
-  monitor.startPermissionRetry();
-  EXPECT_EQ(runLoop.timerCount(), 1U);
-  accessibility.setTrusted(true);
-  EXPECT_TRUE(monitor.start());
-  EXPECT_EQ(runLoop.timerCount(), 0U);
-}
-
 }  // namespace
 }  // namespace valdrix

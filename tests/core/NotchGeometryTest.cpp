@@ -1,7 +1,6 @@
 // The panel's outline, and which screen it hangs from with which size.
 
 #include <gtest/gtest.h>
-#include <vector>
 
 #include "notch/NotchScreen.h"
 #include "notch/NotchShape.h"
@@ -11,7 +10,6 @@ namespace {
 
 using platform::Screen;
 using view::Path;
-using view::Point;
 using view::Rect;
 using view::Size;
 
@@ -25,21 +23,6 @@ Path outline(const Rect& rect, double r) {
   path.quad({rect.minX(), rect.maxY()}, {rect.minX(), rect.maxY() - r});
   path.close();
   return path;
-}
-
-TEST(NotchShape, IsSquareAtTheTopAndCurvedAtTheBottom) {
-  const auto path = NotchShape{10}.path({0, 0, 200, 32});
-  using Verb = Path::Verb;
-  const std::vector<Path::Element> expected{
-      {Verb::move, {Point{0, 0}}},
-      {Verb::line, {Point{200, 0}}},
-      {Verb::line, {Point{200, 22}}},
-      {Verb::quad, {Point{200, 32}, Point{190, 32}}},
-      {Verb::line, {Point{10, 32}}},
-      {Verb::quad, {Point{0, 32}, Point{0, 22}}},
-      {Verb::close, {}},
-  };
-  EXPECT_EQ(path.elements(), expected);
 }
 
 TEST(NotchShape, HoldsItsRadiusToHalfTheShorterSide) {

@@ -171,17 +171,6 @@ TEST_F(NotchRoot, ExpandedContentIsInsetAndOutlined) {
   EXPECT_TRUE(outline.clips.empty()) << "the outer half of the line shows too";
 }
 
-TEST_F(NotchRoot, ExpandedSizeIsWrittenBackForTheHitTest) {
-  const struct {
-    double notchHeight;
-    Size size;
-  } rows[]{{32, {580, 200}}, {64, {580, 200}}, {65, {580, 201}}, {100, {580, 236}}};
-  for (const auto& row : rows) {
-    show({200, row.notchHeight});
-    EXPECT_EQ(model.expandedSize.get(), row.size) << row.notchHeight;
-  }
-}
-
 TEST_F(NotchRoot, IndicatorRowLiesInTheStripBelowTheNotch) {
   model.isVolumeHUDVisible = true;
   model.volumeLevel = 0.5F;
