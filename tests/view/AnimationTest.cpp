@@ -25,13 +25,6 @@ class Panel : public testing::Test {
   }}};
 };
 
-TEST_F(Panel, AnImmediateChangeIsThereAtOnceAndNeedsOneFrame) {
-  stage.frame();
-  isExpanded = true;
-  EXPECT_EQ(widthAt(0), 300);
-  EXPECT_FALSE(stage.host->needsFrame());
-}
-
 TEST_F(Panel, TheFirstDescriptionNeverMoves) {
   std::unique_ptr<Stage> late;
   withAnimation(spring, [&] { late = std::make_unique<Stage>(box(red).opacity(0.5)); });
@@ -164,15 +157,6 @@ TEST(Frames, OvershootNeverLeavesWhatCanBeDrawn) {
   }
 }
 
-TEST(Frames, AFadeEndsOnItsFrame) {
-  Observed<double> opacity(1.0);
-  Stage stage(Made{[&] { return box(red).opacity(opacity); }});
-  stage.frame();
-  withAnimation(EaseOut{0.1}, [&] { opacity = 0; });
-  EXPECT_EQ(stage.framesUntilRest(0.02), 5);
-  EXPECT_TRUE(stage.host->displayList().empty());
-}
-
 std::string shownTexts(const Stage& stage) {
   std::string all;
   for (const auto& item : stage.host->displayList())
@@ -205,21 +189,6 @@ TEST_F(Percentage, ANumberThatKeepsChangingStaysLegible) {
     stage.frameAt(stage.now + 0.02);
   }
   EXPECT_EQ(shownTexts(stage), "9%:4 4:96 ");
-}
-
-TEST_F(Percentage, ChangesAtOnceOutsideAnAnimationAndUnseen) {
-  stage.frame();
-  number = "10%";
-  stage.frame();
-  EXPECT_EQ(shownTexts(stage), "10%:100 ");
-  opacity = 0;
-  stage.frame();
-  withAnimation(EaseOut{}, [&] {
-    number = "20%";
-    opacity = 1;
-  });
-  stage.frameAt(0.06);
-  EXPECT_EQ(shownTexts(stage), "20%:88 ");
 }
 
 class SymbolSwap : public testing::Test {
@@ -259,12 +228,6 @@ TEST_F(SymbolSwap, TheOldLeavesBeforeTheNewComes) {
   EXPECT_FALSE(stage.host->needsFrame()) << "nobody saw the symbol before";
   EXPECT_NEAR(presence(), large, 1e-3);
   EXPECT_NE(last, large);
-}
-
-TEST_F(SymbolSwap, AnUnknownNameShowsNothing) {
-  name = "no.such.symbol";
-  stage.framesUntilRest();
-  EXPECT_TRUE(stage.host->displayList().empty());
 }
 
 }  // namespace

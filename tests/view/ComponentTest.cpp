@@ -46,30 +46,6 @@ TEST(Component, OnlyReadersOfWhatChangedAreEvaluatedAgain) {
   EXPECT_EQ(outer * 100 + left * 10 + right, 221) << "equal components are left alone";
 }
 
-TEST(Component, ADescriptionThatIsTheSameIsLeftAlone) {
-  Model model;
-  int evaluations = 0;
-  const View content = Made{[&] {
-    ++evaluations;
-    return label("x");
-  }};
-  Stage stage(
-      Made{[&, content] { return hStack({.spacing = model.order.get() * 1.0}, {content}); }});
-  model.order = 1;
-  stage.frame();
-  EXPECT_EQ(evaluations, 1);
-}
-
-TEST(Component, ABodyThatChangesWhatItReadsIsCutOff) {
-  Model model;
-  Stage stage(Made{[&] {
-    model.left = model.left.get() + 1;
-    return label("x", red);
-  }});
-  stage.frame();
-  EXPECT_TRUE(stage.box(red));
-}
-
 /// Remembers the text that it was first made with.
 struct Row {
   std::string text;
@@ -131,19 +107,6 @@ TEST_F(Rows, ActionsOfARowThatGoesStillFindItsState) {
   EXPECT_EQ(gone.size(), 3U);
 }
 
-TEST(Component, AnotherIdentityIsAnotherView) {
-  Observed<int> number(1);
-  std::string gone;
-  Stage stage(Made{[&] {
-    const std::string name = std::to_string(number);
-    return View(Row{name, &gone}).id(name);
-  }});
-  number = 2;
-  stage.frame();
-  EXPECT_EQ(stage.host->displayList().at(0).text, "2");
-  EXPECT_EQ(gone, "1");
-}
-
 TEST(Lifecycle, AppearChangeAndDisappear) {
   Observed<bool> isShown(true);
   Observed<int> value(1);
@@ -168,31 +131,6 @@ TEST(Lifecycle, AppearChangeAndDisappear) {
   isShown = true;
   stage.frame();
   EXPECT_EQ(told, "gone appear initial3 ");
-}
-
-TEST(Lifecycle, AnActionMayChangeWhatWasRead) {
-  Observed<int> value(1);
-  Observed<int> doubled(0);
-  Stage stage(Made{[&] {
-    return label(std::to_string(doubled.get())).onChange<int>(value, true, [&](int now) {
-      doubled = 2 * now;
-    });
-  }});
-  value = 4;
-  stage.frame();
-  EXPECT_EQ(stage.host->displayList().at(0).text, "8");
-}
-
-TEST(Lifecycle, AppearInsideAGeometryReaderIsTold) {
-  bool hasAppeared = false;
-  Stage stage(geometryReader([&](Size size) -> View {
-    if (size.width < 100) return View();
-    return label("x").onAppear([&] { hasAppeared = true; });
-  }));
-  stage.frame();
-  ASSERT_TRUE(hasAppeared || stage.host->needsFrame());
-  stage.frame();
-  EXPECT_TRUE(hasAppeared);
 }
 
 TEST(Timeline, TicksOnlyWhileItCanBeSeenAndAloneWhatItShows) {
@@ -227,31 +165,6 @@ TEST(Timeline, TicksOnlyWhileItCanBeSeenAndAloneWhatItShows) {
   stage.frame();
   EXPECT_EQ(inner, 0) << "the change that shows it has just built it";
   EXPECT_EQ(stage.timers.size(), 1U);
-}
-
-TEST(Timeline, IsUpToDateWhenItComesToBeSeen) {
-  Observed<double> opacity(0.0);
-  int time = 1;
-  const View clock = timeline(60, [&] { return label(std::to_string(time)); });
-  Stage stage(Made{[&, clock] { return clock.opacity(opacity); }});
-  stage.frame();
-  time = 2;
-  opacity = 1;
-  stage.frame();
-  EXPECT_EQ(stage.host->displayList().at(0).text, "2");
-  stage.host.reset();
-  EXPECT_TRUE(stage.timers.empty());
-}
-
-TEST(Locale, ReachesTextThatNamesNoneAlsoWhenEvaluatedAlone) {
-  Observed<int> value(1);
-  Stage stage(hStack({}, {View(Made{[&] { return label(std::to_string(value)); }}).locale("fr_FR"),
-                          label("b"), text("c", {.locale = "de_DE"}, red)}));
-  value = 2;
-  stage.frame();
-  std::string all;
-  for (const auto& item : stage.host->displayList()) all += item.text + item.style.locale + ' ';
-  EXPECT_EQ(all, "2fr_FR b cde_DE ");
 }
 
 }  // namespace

@@ -85,55 +85,11 @@ TEST_F(Row, LeavesWhenItMovesAwayOrGoes) {
   EXPECT_EQ(told, "+a -a +a -a ") << "the pressed button is gone";
 }
 
-TEST_F(Row, AClickMayTakeItsButtonAway) {
-  Stage stage(Made{[&]() -> View {
-    if (!isOn) return View();
-    return button([&] { isOn = false; }, box(red)).onHover([&](bool) { told += 'h'; });
-  }});
-  stage.frame();
-  stage.host->pointerPressed({10, 10});
-  stage.host->pointerReleased({10, 10});
-  stage.frame();
-  EXPECT_FALSE(stage.box(red));
-  EXPECT_EQ(told, "hh");
-}
-
-TEST_F(Row, ALineAroundCoversNothingAndAClipHidesWhatLiesOutside) {
-  Stage stage(row("a")
-                  .frame(FrameSize{.width = 100, .height = 20})
-                  .frame(FrameSize{.width = 50, .height = 20, .alignment = Alignment::leading})
-                  .clipShape(Rectangle{})
-                  .overlay(stroke(Rectangle{}, Color::white(0), 0.5)));
-  stage.host->setFrame({0, 0, 50, 20});
-  stage.frame();
-  stage.host->pointerMoved({40, 10});
-  EXPECT_EQ(told, "+a ");
-  stage.host->pointerMoved({60, 10});
-  EXPECT_EQ(told, "+a -a ");
-}
-
 TEST_F(Row, OfOverlappingOnesTheFrontOneIsHit) {
   Stage stage(zStack(Alignment::center, {row("back"), row("front")}));
   stage.frame();
   stage.host->pointerMoved({10, 150});
   EXPECT_EQ(told, "+front ");
-}
-
-TEST_F(Row, AHoverThatAnimatesItselfMovesNothingElse) {
-  Observed<bool> isHovered(false);
-  Stage stage(Made{[&] {
-    return hStack({}, {box(red.withOpacity(isHovered ? 0.5 : 0.1)).onHover([&](bool isInside) {
-                         withAnimation(EaseOut{0.12}, [&] { isHovered = isInside; });
-                       }),
-                       box(green)});
-  }});
-  stage.frame();
-  stage.host->pointerMoved({10, 150});
-  ASSERT_TRUE(stage.host->needsFrame());
-  int frames = 0;
-  while (stage.host->needsFrame() && ++frames < 100)
-    EXPECT_EQ(stage.frameAt(stage.now + 0.02).damage, (Rect{0, 0, 200, 300}));
-  EXPECT_EQ(frames, 6);
 }
 
 }  // namespace

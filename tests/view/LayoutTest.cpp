@@ -182,44 +182,6 @@ TEST(Layout, IdealSizes) {
   });
 }
 
-TEST(Layout, ALevelIndicatorsBarTakesTheRest) {
-  const View bar =
-      geometryReader([](Size size) {
-        return zStack(Alignment::leading,
-                      {box(green).frame(FrameSize{.width = size.width, .height = 4}),
-                       box(red).frame(FrameSize{.width = size.width * 0.5, .height = 4})});
-      }).frame(FrameSize{.height = 4});
-  check({{"18 + 10 + 170 + 10 + 36",
-          hStack({.spacing = 10}, {label("s", blue).frame(FrameSize{.width = 18}), bar,
-                                   label("50%").frame(FrameSize{.width = 36})})
-              .frame(FrameSize{.width = 244}),
-          {28, 8, 85, 4},
-          Rect{28, 8, 170, 4},
-          Rect{4, 0, 10, 20}}});
-}
-
-TEST(Layout, AnEventRow) {
-  const auto row = [](const std::string& time, const std::string& title) {
-    return hStack({.spacing = 10}, {box(blue).frame(FrameSize{.width = 3, .height = 14}),
-                                    label(time, red).frame(FrameLimits{
-                                        .minWidth = 100, .alignment = Alignment::leading}),
-                                    label(title, green), spacer()})
-        .padding({.top = 4, .leading = 8, .bottom = 4, .trailing = 8});
-  };
-  check({
-      {"the time keeps its column",
-       row("10:00", "abc"),
-       {21, 4, 50, 20},
-       Rect{131, 4, 30, 20},
-       Rect{8, 7, 3, 14}},
-      {"a long title is cut, not the time",
-       row("journee", "abcdefghijabcdefghijabcdefghij"),
-       {21, 4, 70, 20},
-       Rect{131, 4, 150, 20},
-       Rect{8, 7, 3, 14}},
-  });
-}
-
 TEST(Layout, AGeometryReaderFollowsItsSizeAndWatchesWhatItReads) {
   Observed<double> part(0.5);
   Stage stage(geometryReader(

@@ -74,25 +74,6 @@ TEST(Animated, ARetargetedSpringGoesOnFromWhereItIsAsFastAsItIs) {
   EXPECT_NEAR((at(value, turn + step) - at(value, turn)) / step, slopeBefore, 1);
 }
 
-TEST(Animated, SkippedFramesDoNotChangeTheCurve) {
-  Animated<1> often(0.05);
-  often.set({100}, animated, 0);
-  Animated<1> once = often;
-  for (double time = 0; time < 0.3; time += 0.007) often.advance(time);
-  often.advance(0.3);
-  once.advance(0.3);
-  EXPECT_DOUBLE_EQ(often.values()[0], once.values()[0]);
-}
-
-TEST(Animated, AnImmediateChangeEndsTheMovementThere) {
-  Animated<2> value(0.05);
-  value.set({100, 50}, animated, 0);
-  value.advance(0.1);
-  EXPECT_FALSE(value.set({30, 40}, Transaction{}, 0.1));
-  EXPECT_FALSE(value.isMoving());
-  EXPECT_EQ(value.values(), (Animated<2>::Values{30, 40}));
-}
-
 TEST(Animated, ArrivesAtExactlyTheTarget) {
   for (const Animation animation : {Animation{show}, Animation{EaseOut{0.12}}}) {
     Animated<1> value(0.05);
@@ -104,13 +85,6 @@ TEST(Animated, ArrivesAtExactlyTheTarget) {
     EXPECT_EQ(value.values()[0], 1.0 / 3);
     EXPECT_FALSE(value.advance(61));
   }
-}
-
-TEST(Animated, AChangeThatNobodyCanSeeIsNoMovement) {
-  Animated<1> value(0.05);
-  EXPECT_FALSE(value.set({0.01}, animated, 0));
-  value.advance(0);
-  EXPECT_FALSE(value.isMoving());
 }
 
 }  // namespace
