@@ -76,36 +76,6 @@ TEST(Observed, ObserversMayEndInsideCallbacks) {
   EXPECT_EQ(told, "1");
 }
 
-TEST(Observed, TheValueMayEndInsideACallback) {
-  auto value = std::make_unique<Observed<int>>(0);
-  Observer observer([&] { value.reset(); });
-  observer.track([&] { return value->get(); });
-  value->set(1);
-  EXPECT_FALSE(value);
-}
-
-TEST(Observed, AStoppedObserverIsNotTold) {
-  Observed<int> value(0);
-  int calls = 0;
-  Observer observer([&] { ++calls; });
-  observer.track([&] { return value.get(); });
-  observer.stop();
-  value = 1;
-  EXPECT_EQ(calls, 0);
-}
-
-TEST(Observed, ACallbackMayReadAgainAndWriteOn) {
-  Observed<int> value(0);
-  std::vector<int> seen;
-  Observer observer([&] {
-    seen.push_back(observer.track([&] { return value.get(); }));
-    if (value.get() < 3) value = value.get() + 1;
-  });
-  observer.track([&] { return value.get(); });
-  value = 1;
-  EXPECT_EQ(seen, (std::vector{1, 2, 3}));
-}
-
 TEST(Listeners, EachMayEndAnyRegistrationOrAddOneInItsCall) {
   Listeners<int> listeners;
   std::string told;
