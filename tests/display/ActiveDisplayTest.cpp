@@ -136,19 +136,6 @@ TEST(ActiveDisplay, TheBuiltInPanelsBacklightIsFound) {
   }
 }
 
-TEST(ActiveDisplay, EveryDisplayInUseIsListedOnce) {
-  tests::SysfsTree tree;
-  build(tree, R"(connector gpu0 card0-DP-1 connected enabled
-                 connector gpu0 card0-DP-2 connected disabled
-                 connector gpu0 card0-HDMI-A-1 disconnected disabled
-                 connector gpu0 card0-eDP-1 connected enabled
-                 backlight intel_backlight raw gpu0/drm/card0/card0-eDP-1)");
-  std::vector<std::string> names;
-  for (const auto& display : activeDisplays(*readBacklightTree(tree.root())))
-    names.push_back(display.name + (display.isBuiltin ? " built in" : ""));
-  EXPECT_EQ(names, (std::vector<std::string>{"card0-eDP-1 built in", "card0-DP-1"}));
-}
-
 TEST(ActiveDisplay, ABacklightWithoutARangeIsNone) {
   for (const auto* const max : {"0\n", "", "junk\n", "-5\n", "99999999999999999999\n"}) {
     tests::SysfsTree tree;

@@ -129,28 +129,11 @@ TEST_F(BacklightTest, FirmwareIsAskedWhatItMadeOfTheValue) {
   EXPECT_FLOAT_EQ(level(), 0.8F);
 }
 
-TEST_F(BacklightTest, AnEmptyFileIsAFailedRead) {
-  addPanel();
-  tests::SysfsTree::write(tree_.backlightFile(panel_, "brightness"), "");
-  float level = 0.3F;
-  EXPECT_NE(library_->getBrightness()(panel(), level), 0);
-  EXPECT_EQ(level, 0.3F);
-}
-
 TEST_F(BacklightTest, ASystemWithoutTheClassHasNoLibrary) {
   std::filesystem::remove_all(tree_.root() / "class" / "backlight");
   EXPECT_FALSE(services_.open());
   std::filesystem::remove_all(tree_.root() / "class");
   EXPECT_EQ(displays_.getActiveDisplayList(), std::nullopt);
-}
-
-TEST_F(BacklightTest, WithTheRightToTheFileNoServiceIsNeeded) {
-  addPanel();
-  tree_.setWritable(panel_, true);
-  const tests::Unprivileged unprivileged;
-  EXPECT_TRUE(canChange());
-  EXPECT_TRUE(set(0.25F));
-  EXPECT_EQ(tree_.brightness(panel_), 240U);
 }
 
 TEST_F(BacklightTest, WhoMayWriteDecidesWhetherItCanChange) {
@@ -170,11 +153,6 @@ TEST_F(BacklightTest, WhoMayWriteDecidesWhetherItCanChange) {
   bus_.stop();
   std::filesystem::create_directories(tree_.root() / "run" / "systemd" / "seats");
   EXPECT_TRUE(canChangeUnprivileged()) << "the manager belongs here and will come";
-}
-
-TEST_F(BacklightTest, ASwitchHasNoRange) {
-  addPanel(1);
-  EXPECT_FALSE(canChange());
 }
 
 TEST_F(BacklightTest, TheLoginManagerWritesAndBusAndManagerMayComeAndGo) {
@@ -208,16 +186,6 @@ TEST_F(BacklightTest, TheLoginManagerWritesAndBusAndManagerMayComeAndGo) {
   expectSet("denied", 0.75F, false);
   startLogin1("write");
   expectSet("allowed again", 0.75F, true);
-}
-
-TEST_F(BacklightTest, AValueThatTheManagerCannotTakeFails) {
-  addPanel(std::uint64_t{1} << 40);
-  tree_.setWritable(panel_, false);
-  startBus();
-  startLogin1("write");
-  const tests::Unprivileged unprivileged;
-  EXPECT_FALSE(set(1));
-  EXPECT_EQ(bus_.login1Calls(), 0);
 }
 
 TEST_F(BacklightTest, AManagerThatHangsIsLeftAlone) {
