@@ -39,13 +39,5 @@ TEST(HiddenCalendars, AToggleRewritesTheWholeList) {
   EXPECT_EQ(hidden, HiddenCalendars());
 }
 
-TEST(HiddenCalendars, ASpaceIsPartOfAnIdentifier) {
-  const auto hidden = HiddenCalendars::parse("B, A");
-  EXPECT_TRUE(hidden.contains("B"));
-  EXPECT_TRUE(hidden.contains(" A"));
-  EXPECT_FALSE(hidden.contains("A"));
-  EXPECT_FALSE(hidden.contains(""));
-}
-
 }  // namespace
 }  // namespace valdrix

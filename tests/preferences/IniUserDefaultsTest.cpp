@@ -177,30 +177,6 @@ TEST_F(IniUserDefaultsTest, ChangesFromOutsideAreReadAtOnceAndReported) {
   expectChange("in the new folder", replace);
 }
 
-TEST_F(IniUserDefaultsTest, AnObserverMayEndItsRegistrationAndOthers) {
-  auto& defaults = open();
-  int calls = 0;
-  Token first;
-  Token second;
-  first = defaults.observeChanges([&] {
-    ++calls;
-    first.reset();
-    second.reset();
-  });
-  second = defaults.observeChanges([&] { ++calls; });
-  int sentinel = 0;
-  Token third = defaults.observeChanges([&] { ++sentinel; });
-  defaults.set("a", true);
-  ASSERT_TRUE(waitFor([&] { return sentinel == 1; }));
-  EXPECT_EQ(calls, 1);
-  defaults.set("a", true);
-  defaults.set("a", false);
-  ASSERT_TRUE(waitFor([&] { return sentinel == 2; }));
-  EXPECT_EQ(calls, 1);
-  defaults_.reset();
-  third.reset();
-}
-
 TEST_F(IniUserDefaultsTest, ALinkStaysALinkAndItsTargetIsWatched) {
   const auto dotfiles = root_ / "dotfiles";
   fs::create_directory(dotfiles);

@@ -49,13 +49,6 @@ class UserDefaultsContract : public testing::Test {
 using Worlds = testing::Types<SimulatedWorld, IniWorld>;
 TYPED_TEST_SUITE(UserDefaultsContract, Worlds);
 
-TYPED_TEST(UserDefaultsContract, KeysThatNobodyKnowsReadAsNothing) {
-  EXPECT_FALSE(this->defaults().boolForKey("unknown"));
-  EXPECT_EQ(this->defaults().integerForKey("unknown"), 0);
-  EXPECT_EQ(this->defaults().doubleForKey("unknown"), 0);
-  EXPECT_EQ(this->defaults().stringForKey("unknown"), std::nullopt);
-}
-
 TYPED_TEST(UserDefaultsContract, RegisteredDefaultsLieBelowTheUsersValuesAndAreNeverWritten) {
   auto& defaults = this->defaults();
   registerPreferenceDefaults(defaults);
@@ -150,13 +143,6 @@ TYPED_TEST(UserDefaultsContract, ValuesReadBackAsTheyWereSet) {
     defaults.set("key", value);
     EXPECT_EQ(defaults.stringForKey("key"), value) << value.substr(0, 40);
   }
-}
-
-TYPED_TEST(UserDefaultsContract, StrangeKeysAreKeptApart) {
-  auto& defaults = this->defaults();
-  const std::string keys[] = {"", "=", "a=b", "[x]", "#x", "two words", "line\nbreak", "\xFF"};
-  for (const auto& key : keys) defaults.set(key, key + "!");
-  for (const auto& key : keys) EXPECT_EQ(defaults.stringForKey(key), key + "!");
 }
 
 }  // namespace
