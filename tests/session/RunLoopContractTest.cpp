@@ -142,16 +142,6 @@ TYPED_TEST(RunLoopContract, AsyncKeepsTheOrderOfEachThread) {
   for (int i = 0; i <= 100; ++i) EXPECT_EQ(seen[std::size_t(i)], i);
 }
 
-TEST(QtRunLoop, MissedTicksAreMadeUpForWithOne) {
-  QtWorld world;
-  int ticks = 0;
-  const Token token = world.loop().scheduleTimer(0.02, true, [&] { ++ticks; });
-  world.stall(0.2);
-  const double end = world.loop().now();
-  ASSERT_TRUE(tests::waitFor([&] { return ticks >= 3; }));
-  EXPECT_GT(world.loop().now() - end, 0.02) << "the third tick cannot be made up";
-}
-
 TEST(QtRunLoop, WhatWaitsWhenItGoesDoesNotRun) {
   auto loop = std::make_unique<desktop::QtRunLoop>();
   const auto block = std::make_shared<int>(0);
