@@ -84,12 +84,6 @@ TEST(Text, AMeasuredWidthIsEnoughForTheSameText) {
   }
 }
 
-TEST(Text, SizesScaleExactlyBetweenWholePixels) {
-  const double perPoint = width("Hamburgefonstiv", style(12)) / 12;
-  for (const double size : {10.5, 12.25, 13.8, 40.0})
-    EXPECT_NEAR(width("Hamburgefonstiv", style(size)) / size, perPoint, perPoint * 0.002);
-}
-
 TEST(Text, LongTextIsHeldToItsLinesAndWidth) {
   const QtTextMetrics metrics;
   const std::string sentence =
