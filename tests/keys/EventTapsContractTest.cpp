@@ -224,47 +224,6 @@ TYPED_TEST(EventTapsContract, PassedKeysReachTheDesktopWhole) {
   EXPECT_THAT(this->desktopGot(), IsEmpty());
 }
 
-TYPED_TEST(EventTapsContract, ATapMayEndItselfWhileItIsAsked) {
-  this->install();
-  this->endsItself_ = true;
-  this->tapKey(0);
-  static_cast<void>(this->desktopGot());
-  EXPECT_EQ(this->tapSaw().front(), "volumeUp down");
-  this->tapKey(0);
-  EXPECT_THAT(this->desktopGot(), ElementsAre("volumeUp down", "volumeUp up"));
-  EXPECT_THAT(this->tapSaw(), IsEmpty());
-}
-
-TYPED_TEST(EventTapsContract, ATapSeesOnlyTheTypesItAskedFor) {
-  const auto tap = this->makeTap(keyMask << 1);
-  ASSERT_TRUE(tap);
-  const auto source = tap->addToMainRunLoop();
-  tap->enable(true);
-  this->tapKey(0);
-  EXPECT_THAT(this->desktopGot(), ElementsAre("volumeUp down", "volumeUp up"));
-  EXPECT_THAT(this->tapSaw(), IsEmpty());
-}
-
-TYPED_TEST(EventTapsContract, TheNewestTapComesFirst) {
-  this->install();
-  const auto second =
-      this->world_.taps().createTap(platform::TapLocation::hid, platform::TapPlacement::headInsert,
-                                    platform::TapOptions::activeFilter, keyMask,
-                                    {.handleEvent =
-                                         [&](std::uint32_t, const InputEvent*) {
-                                           this->seen_.push_back("newer tap");
-                                           return TapResult::pass;
-                                         },
-                                     .wouldSwallow = nullptr});
-  ASSERT_TRUE(second);
-  const auto source = second->addToMainRunLoop();
-  second->enable(true);
-  this->tapKey(0);
-  EXPECT_THAT(this->desktopGot(), IsEmpty());
-  EXPECT_THAT(this->tapSaw(),
-              ElementsAre("newer tap", "volumeUp down", "newer tap", "volumeUp up"));
-}
-
 TYPED_TEST(EventTapsContract, TrustIsWhetherATapCanBeInstalledNow) {
   EXPECT_TRUE(this->world_.accessibility().isProcessTrusted());
   EXPECT_TRUE(this->world_.accessibility().isProcessTrustedWithOptions(true));

@@ -241,16 +241,6 @@ TEST_F(X11EventTapsTest, AKeyHeldWhileTheKeymapChangesStaysTheSameKey) {
   EXPECT_THAT(desk_.windowGot(), ElementsAre("150 down", "150 up")) << "its old place is free";
 }
 
-TEST_F(X11EventTapsTest, OneBurstOfKeymapNoticesIsOneRefresh) {
-  install();
-  const auto before = loop_.timerCount();
-  ASSERT_TRUE(desk_.changeKeymap({"xmodmap", "-e", "keycode 150 = F13", "-e", "keycode 151 = F14",
-                                  "-e", "keycode 152 = F15"}));
-  settle();
-  EXPECT_EQ(loop_.timerCount(), before) << "and nothing keeps running";
-  expectOurs(0, "afterwards");
-}
-
 TEST_F(X11EventTapsTest, AKeyIsFoundOnSeveralKeycodesAndAtAnyLevel) {
   changeKeymap({"keycode 150 = XF86AudioMute", "keycode 151 = F13 XF86AudioMute",
                 "keycode 152 = XF86AudioMute F13"});
