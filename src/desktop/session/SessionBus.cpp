@@ -142,8 +142,6 @@ void SessionBus::watchSocket() {
 
 void SessionBus::connect() {
   retry_.reset();
-  // Watched before the attempt, so that a bus that comes in between is not missed.
-  watchSocket();
   attempt_ = Attempt::start(address_, runLoop_, [this] { finishAttempt(); });
 }
 
@@ -184,6 +182,9 @@ void SessionBus::handleLoss() {
 }
 
 void SessionBus::retryLater(BusSocket::State state) {
+  // Not before the first failure: it takes the kernel 20 ms to end a watch. A bus that came before
+  // the watch began is found by the next attempt.
+  watchSocket();
   const bool isToldOfChanges = socketWatch_ && state == BusSocket::State::absent;
   if (isToldOfChanges && failures_ >= mostWatchedFailures) return;
   const double delay = std::min(firstDelay * std::exp2(failures_), longestDelay);
