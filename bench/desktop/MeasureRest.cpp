@@ -75,6 +75,8 @@ bool measureRest(BenchDesktop& desktop, Report& report, double seconds) {
   const ProcessProbe agent(agentProgram->pid());
   const ProcessProbe window(windowProgram->pid());
   addMemory(report, agent, window);
+  // A few seconds after its start valdrix looks at the sound server once more.
+  pause(2);
   const auto length = std::to_string(static_cast<int>(seconds)) + " s ";
   addCosts(report, agent, window, length + "at rest", [&] { rest(seconds); });
   addCosts(report, agent, window, length + "of motion elsewhere",
