@@ -200,16 +200,6 @@ TEST_F(NotchRoot, IndicatorRowLiesInTheStripBelowTheNotch) {
   EXPECT_LE(percent.bounds.maxY(), 68);
 }
 
-TEST_F(NotchRoot, PercentagesEndAtOneEdgeAndLeaveTheBarAlone) {
-  model.isVolumeHUDVisible = true;
-  show();
-  for (const float level : {0.06F, 0.5F, 1.0F}) {
-    model.volumeLevel = level;
-    EXPECT_NEAR(textItem().bounds.maxX(), middle + 140 - 18, textSlack) << level;
-    EXPECT_NEAR(boxOf(Color::white(0.18)).width, 170, 1e-3) << level;
-  }
-}
-
 TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
   constexpr float nan = std::numeric_limits<float>::quiet_NaN();
   const struct {
@@ -241,6 +231,8 @@ TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
         filled, [&](const auto& item) { return std::abs(item.bounds.x - track.x) < 1e-3; });
     ASSERT_NE(bar, filled.end());
     expectNear(bar->bounds, {track.x, track.y, row.width, 4});
+    EXPECT_NEAR(track.width, 170, 1e-3);
+    EXPECT_NEAR(textItem().bounds.maxX(), middle + 140 - 18, textSlack);
     EXPECT_EQ(textItem().text, row.text);
   }
 }

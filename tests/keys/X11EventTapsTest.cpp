@@ -314,27 +314,6 @@ TEST_F(X11EventTapsTest, KeysThatWouldBePassedOnAreTheDesktops) {
   expectOurs(0, "taken back");
 }
 
-TEST_F(X11EventTapsTest, APressThatSlipsThroughReachesTheWindowWhole) {
-  install();
-  passed_ = {1};
-  desk_.press(1);
-  desk_.tapCode(25);
-  desk_.release(1);
-  EXPECT_THAT(desk_.windowGot(),
-              ElementsAre("volumeDown down", "25 down", "25 up", "volumeDown up"));
-}
-
-TEST_F(X11EventTapsTest, AKeyboardWithoutMediaKeysMayGetThemLater) {
-  changeKeymap(
-      {"keycode 121 =", "keycode 122 =", "keycode 123 =", "keycode 232 =", "keycode 233 ="});
-  install();
-  EXPECT_THAT(taps_->status().absent, SizeIs(5));
-  ASSERT_TRUE(desk_.changeKeymap({"setxkbmap", "us"}));
-  settle();
-  EXPECT_THAT(taps_->status().held, SizeIs(5));
-  expectOurs(2, "plugged in");
-}
-
 TEST_F(X11EventTapsTest, AServerThatGoesIsLeftAlone) {
   tests::OtherGrabber other(desk_);
   ASSERT_TRUE(other.grab(0));

@@ -17,39 +17,24 @@
 namespace valdrix {
 namespace {
 
-struct World {
-  virtual ~World() = default;
-  virtual platform::RunLoop& loop() = 0;
-  /// Lets time pass until `condition` holds, within a bound.
-  virtual bool runUntil(const std::function<bool()>& condition) = 0;
-  /// Occupies the main thread for `seconds` without letting the loop turn.
-  virtual void stall(double seconds) = 0;
-};
-
-class SimulatedWorld : public World {
+class SimulatedWorld {
  public:
-  platform::RunLoop& loop() override { return loop_; }
-  bool runUntil(const std::function<bool()>& condition) override {
+  platform::RunLoop& loop() { return loop_; }
+  /// Lets time pass until `condition` holds, within a bound.
+  bool runUntil(const std::function<bool()>& condition) {
     for (int step = 0; step < 10000 && !condition(); ++step) loop_.advance(0.001);
     return condition();
   }
-  void stall(double) override {}
 
  private:
   sim::Trace trace_;
   sim::ManualRunLoop loop_{trace_};
 };
 
-class QtWorld : public World {
+class QtWorld {
  public:
-  platform::RunLoop& loop() override { return loop_; }
-  bool runUntil(const std::function<bool()>& condition) override {
-    return tests::waitFor(condition);
-  }
-  void stall(double seconds) override {
-    const double end = loop_.now() + seconds;
-    while (loop_.now() < end) std::this_thread::yield();
-  }
+  platform::RunLoop& loop() { return loop_; }
+  bool runUntil(const std::function<bool()>& condition) { return tests::waitFor(condition); }
 
  private:
   desktop::QtRunLoop loop_;

@@ -115,14 +115,6 @@ TEST(Text, EndsInAnEllipsisThatFillsTheLineWhereTextIsCut) {
   EXPECT_NEAR(metrics.measure("une\ndeux", style(12, 1), 100).width, width("une…", style(12)), 0.1);
 }
 
-TEST(Text, TheEndOfRightToLeftTextIsOnItsLeft) {
-  const char* meeting = "اجتماع الفريق الطويل جدا مع الجميع";
-  const auto bounds = QtTextMetrics().measure(meeting, style(24, 1), 150);
-  const QImage picture = drawn(meeting, style(24, 1), bounds);
-  // There the ellipsis stands: dots, far lower than the letters.
-  EXPECT_LT(ink(picture.copy(0, 0, 20, picture.height())).height(), ink(picture).height() / 3);
-}
-
 TEST(Text, MonospacedDigitsAllTakeTheWidestOnesCell) {
   for (const auto design : {view::FontDesign::standard, view::FontDesign::rounded}) {
     view::TextStyle digits = style(40);

@@ -89,15 +89,5 @@ TEST(Drawing, OnlyWhatIsDirtyWithSharedClipsOnce) {
   EXPECT_EQ(part.calls, "(0 f20 ) ");
 }
 
-TEST(Paths, CornersAreHeldToHalfTheShorterSide) {
-  EXPECT_EQ(Path::roundedRectangle({0, 0, 40, 10}, 8, false),
-            Path::roundedRectangle({0, 0, 40, 10}, 5, false));
-  EXPECT_EQ(Path::roundedRectangle({0, 0, 40, 10}, -1, true), Path::rectangle({0, 0, 40, 10}));
-  for (const bool isContinuous : {false, true})
-    for (const double radius : {0.0, 1.5, 2.0, 6.0, 100.0})
-      EXPECT_EQ(Path::roundedRectangle({3, 4, 20, 4}, radius, isContinuous).bounds(),
-                (Rect{3, 4, 20, 4}));
-}
-
 }  // namespace
 }  // namespace valdrix::view
