@@ -8,8 +8,8 @@ namespace valdrix::view {
 
 namespace {
 
-/// A twentieth of a point: no screen shows less.
-constexpr double lengthTolerance = 0.05;
+/// A tenth of a point: on its way to rest nobody sees less.
+constexpr double lengthTolerance = 0.1;
 
 class FrameNode;
 
