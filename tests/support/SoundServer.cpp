@@ -3,6 +3,8 @@
 #include <cmath>
 #include <csignal>
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -74,7 +76,14 @@ void SoundServer::startPipeWire() {
   programs_.push_back(spawn({"pipewire-pulse"}));
 }
 
-void SoundServer::startSessionManager() { sessionManager_ = spawn({"wireplumber"}); }
+// Its Bluetooth part ends the whole program where no login manager runs; an empty file of the same
+// name as the one that enables it takes that one's place.
+void SoundServer::startSessionManager() {
+  const QString folder = folder_.filePath("config/wireplumber/bluetooth.lua.d");
+  QDir().mkpath(folder);
+  QFile(folder + "/90-enable-all.lua").open(QIODevice::WriteOnly);
+  sessionManager_ = spawn({"wireplumber"});
+}
 void SoundServer::stopSessionManager() { sessionManager_.reset(); }
 
 void SoundServer::stop() {
