@@ -59,7 +59,11 @@ QProcessEnvironment AgentDesktop::environment() const {
 
 bool AgentDesktop::startAgent() {
   agent_ = std::make_unique<ChildProcess>(VALDRIX_PROGRAM, QStringList{}, environment());
-  return awaitPixel(inNotch, isBlack);
+  // The keys are taken a moment after the panel is there.
+  const auto hasKeys = [this] {
+    return status()["mediaKeys"].toObject()["isTapInstalled"].toBool();
+  };
+  return awaitPixel(inNotch, isBlack) && (!bus || waitFor(hasKeys));
 }
 
 int AgentDesktop::endAgent() {

@@ -37,7 +37,8 @@ class AgentDesktop {
   static constexpr auto sink = "output";
   static constexpr auto backlight = "panel";
 
-  /// Starts the program and waits until its panel stands there. Whether it does.
+  /// Starts the program and waits until its panel stands there and, with a bus, until it has the
+  /// media keys. Whether it does.
   bool startAgent();
   /// Asks the program to end as a session does; its exit code, -1 when it had to be killed.
   int endAgent();
