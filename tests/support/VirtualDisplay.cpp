@@ -25,8 +25,8 @@ Reply<T> owned(T* reply) {
   return Reply<T>(reply);
 }
 
-bool await(const std::function<bool()>& condition) {
-  for (int tries = 0; tries < 2000; ++tries) {
+bool await(const std::function<bool()>& condition, int maximumTries = 2000) {
+  for (int tries = 0; tries < maximumTries; ++tries) {
     if (condition()) return true;
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
@@ -104,6 +104,26 @@ bool VirtualDisplay::hasWindowManager() const {
   return property && property->value_len == 1;
 }
 
+// A window manager announces itself early, and openbox sleeps over what is asked of it between then
+// and the end of its start. Only a window that it has given a state proves that it works.
+bool VirtualDisplay::takesWindowsIn() const {
+  const auto window = xcb_generate_id(connection_.get());
+  xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  xcb_map_window(connection_.get(), window);
+  const bool isTakenIn = await(
+      [&] {
+        const auto state = owned(xcb_get_property_reply(
+            connection_.get(),
+            xcb_get_property(connection_.get(), 0, window, atom("WM_STATE"), XCB_ATOM_ANY, 0, 1),
+            nullptr));
+        return state && state->value_len == 1;
+      },
+      40);
+  xcb_destroy_window(connection_.get(), window);
+  return isTakenIn;
+}
+
 bool VirtualDisplay::hasCompositor() const {
   const auto owner = owned(xcb_get_selection_owner_reply(
       connection_.get(), xcb_get_selection_owner(connection_.get(), atom("_NET_WM_CM_S0")),
@@ -114,7 +134,8 @@ bool VirtualDisplay::hasCompositor() const {
 bool VirtualDisplay::startWindowManager() {
   windowManager_ =
       std::make_unique<SpawnedProgram>(std::vector<std::string>{"openbox"}, variables());
-  return await([this] { return hasWindowManager(); });
+  // The first may be one of those that it finds at the end of its start.
+  return await([this] { return hasWindowManager() && takesWindowsIn() && takesWindowsIn(); });
 }
 
 void VirtualDisplay::stopWindowManager() { windowManager_.reset(); }

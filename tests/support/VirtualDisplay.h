@@ -73,6 +73,7 @@ class VirtualDisplay {
   [[nodiscard]] std::vector<std::string> variables() const;
   [[nodiscard]] xcb_atom_t atom(const std::string& atomName) const;
   [[nodiscard]] bool hasWindowManager() const;
+  [[nodiscard]] bool takesWindowsIn() const;
   void fake(std::uint8_t type, std::uint8_t detail, QPoint at = {});
   bool fakeKey(std::uint8_t type, xcb_keysym_t keysym);
 
