@@ -56,8 +56,13 @@ Token X11Connection::addBatchHandler(std::function<void()> block) {
   return batchHandlers_.add(std::move(block));
 }
 
-// Waiting for a reply reads the events before it, and the socket does not become readable for them
-// again.
+void X11Connection::flush() {
+  xcb_flush(get());
+  collect();
+}
+
+// Waiting for a reply, or for room to send a picture, reads the events that have come, and the
+// socket does not become readable for them again.
 void X11Connection::collect() {
   while (auto* event = xcb_poll_for_queued_event(get())) events_.emplace_back(event);
   if (events_.empty() || isDispatchScheduled_) return;

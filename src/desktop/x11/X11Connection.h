@@ -47,7 +47,7 @@ class X11Connection {
   [[nodiscard]] Token addEventHandler(std::function<void(const Event&)> block);
   /// Calls `block` after each batch of events that arrived together.
   [[nodiscard]] Token addBatchHandler(std::function<void()> block);
-  void flush() { xcb_flush(connection_.get()); }
+  void flush();
 
  private:
   void collect();
