@@ -6,7 +6,7 @@
 
 namespace valdrix::view {
 
-HostingView::HostingView(View content, Services services)
+HostingView::HostingView(const View& content, Services services)
     : graph_(std::make_unique<ViewGraph>(std::move(services))) {
   graph_->setRoot(content);
 }

@@ -33,7 +33,7 @@ class HostingView {
     std::function<Token(double interval, std::function<void()> block)> scheduleRepeatingTimer;
   };
 
-  HostingView(View content, Services services);
+  HostingView(const View& content, Services services);
   ~HostingView();
   HostingView(const HostingView&) = delete;
   HostingView& operator=(const HostingView&) = delete;

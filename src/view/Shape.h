@@ -22,8 +22,10 @@ concept ShapeValue = std::copy_constructible<S> && std::equality_comparable<S> &
 /// two of its values.
 class Shape {
  public:
-  template <ShapeValue S>
-  Shape(S shape) : model_(std::make_shared<Model<S>>(std::move(shape))) {}  // NOLINT
+  // A shape itself is ruled out first, lest asking whether it can be copied asks this constructor.
+  template <class S>
+  requires(!std::same_as<S, Shape>) && ShapeValue<S> Shape(S shape)
+      : model_(std::make_shared<Model<S>>(std::move(shape))) {}  // NOLINT
 
   [[nodiscard]] Path path(const Rect& rect) const { return model_->path(rect, nullptr); }
   /// The outline with other animatable data.
