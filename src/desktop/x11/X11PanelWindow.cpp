@@ -114,7 +114,7 @@ void X11PanelWindow::setProperties(bool hasShadow) {
     xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window_, connection.atom(property),
                         type, 32, 1, &value);
   };
-  setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string_view("valdrix\0valdrix", 16));
+  setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string_view("valdrix\0valdrix\0", 16));
   setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, "valdrix");
   setText(connection.atom("_NET_WM_NAME"), connection.atom("UTF8_STRING"), "valdrix");
   setNumber("_NET_WM_PID", XCB_ATOM_CARDINAL, static_cast<std::uint32_t>(getpid()));
