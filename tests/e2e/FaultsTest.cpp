@@ -104,7 +104,8 @@ TEST(Faults, BrokenPreferencesAreSetAsideAndAbsurdOnesHarmless) {
 
   QFile file(desktop.preferencesFile());
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write("hudDuration=nan\n\0\1\2 this is no line", 38);
+  constexpr char junk[] = "hudDuration=nan\n\0\1\2 this is no line";
+  file.write(junk, sizeof junk - 1);
   file.close();
   ASSERT_TRUE(desktop.startAgent());
   desktop.keys.tap(key::volumeUp);
