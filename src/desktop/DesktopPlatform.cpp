@@ -46,6 +46,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       audioHardware_(runLoop),
       displays_(sysfsRoot()),
       displayServices_(displays_),
+      eventStore_({}),
       windowSystem_(
           windowSystem.make(runLoop, textMetrics_,
                             [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
@@ -64,6 +65,9 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .audioHardware = audioHardware_,
              .displays = displays_,
              .displayServices = displayServices_,
+             .userCalendar = userCalendar_,
+             .eventStore = eventStore_,
+             .workspace = workspace_,
              .textMetrics = textMetrics_} {}
 
 QJsonObject DesktopPlatform::backends() const {

@@ -8,13 +8,16 @@
 
 #include "desktop/WindowSystem.h"
 #include "desktop/audio/PulseAudioHardware.h"
+#include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
 #include "desktop/session/DesktopNotification.h"
+#include "desktop/session/DesktopWorkspace.h"
 #include "desktop/session/FeedbackHaptics.h"
 #include "desktop/session/IniUserDefaults.h"
 #include "desktop/session/QtApplication.h"
 #include "desktop/session/QtRunLoop.h"
+#include "desktop/session/QtUserCalendar.h"
 #include "desktop/session/SessionBus.h"
 #include "desktop/ui/QtTextMetrics.h"
 #include "platform/Platform.h"
@@ -57,6 +60,9 @@ class DesktopPlatform {
   PulseAudioHardware audioHardware_;
   BacklightDisplays displays_;
   BacklightDisplayServices displayServices_;
+  QtUserCalendar userCalendar_;
+  DesktopEventStore eventStore_;
+  DesktopWorkspace workspace_;
   std::unique_ptr<WindowSystem> windowSystem_;
   Token preferencesObserver_;
   platform::Platform ports_;

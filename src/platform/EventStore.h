@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -8,12 +7,10 @@
 #include <vector>
 
 #include "observation/Token.h"
+#include "platform/Instant.h"
 #include "view/Color.h"
 
 namespace valdrix::platform {
-
-/// A point in time on the wall clock.
-using Instant = std::chrono::sys_time<std::chrono::milliseconds>;
 
 /// Whether this program may read the user's events; only `fullAccess` lets it.
 enum class EventAuthorization : std::int64_t {

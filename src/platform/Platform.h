@@ -6,13 +6,16 @@
 #include "platform/Cursor.h"
 #include "platform/DisplayServices.h"
 #include "platform/Displays.h"
+#include "platform/EventStore.h"
 #include "platform/EventTaps.h"
 #include "platform/Haptics.h"
 #include "platform/PanelWindow.h"
 #include "platform/Pointer.h"
 #include "platform/RunLoop.h"
 #include "platform/Screens.h"
+#include "platform/UserCalendar.h"
 #include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
 #include "view/Canvas.h"
 
 namespace valdrix::platform {
@@ -33,6 +36,9 @@ struct Platform {
   AudioHardware& audioHardware;
   Displays& displays;
   DisplayServices& displayServices;
+  UserCalendar& userCalendar;
+  EventStore& eventStore;
+  Workspace& workspace;
   const view::TextMetrics& textMetrics;
 };
 

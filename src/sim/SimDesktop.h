@@ -8,13 +8,16 @@
 #include "sim/SimCursor.h"
 #include "sim/SimDisplayServices.h"
 #include "sim/SimDisplays.h"
+#include "sim/SimEventStore.h"
 #include "sim/SimEventTaps.h"
 #include "sim/SimHaptics.h"
 #include "sim/SimPanelWindows.h"
 #include "sim/SimPointer.h"
 #include "sim/SimScreens.h"
 #include "sim/SimTextMetrics.h"
+#include "sim/SimUserCalendar.h"
 #include "sim/SimUserDefaults.h"
+#include "sim/SimWorkspace.h"
 #include "sim/Trace.h"
 
 namespace valdrix::sim {
@@ -27,13 +30,23 @@ class SimDesktop {
   /// `textMetrics` measures the text; without it, text is measured without a font. It must outlive
   /// the desktop, as the desktop must outlive the program.
   explicit SimDesktop(const view::TextMetrics* textMetrics = nullptr)
-      : platform_{runLoop,         application,
-                  userDefaults,    screens,
-                  panelWindows,    pointer,
-                  cursor,          haptics,
-                  accessibility,   eventTaps,
-                  audioHardware,   displays,
-                  displayServices, textMetrics ? *textMetrics : simTextMetrics_} {}
+      : platform_{runLoop,
+                  application,
+                  userDefaults,
+                  screens,
+                  panelWindows,
+                  pointer,
+                  cursor,
+                  haptics,
+                  accessibility,
+                  eventTaps,
+                  audioHardware,
+                  displays,
+                  displayServices,
+                  userCalendar,
+                  eventStore,
+                  workspace,
+                  textMetrics ? *textMetrics : simTextMetrics_} {}
   SimDesktop(const SimDesktop&) = delete;
   SimDesktop& operator=(const SimDesktop&) = delete;
 
@@ -53,6 +66,9 @@ class SimDesktop {
   SimAudioHardware audioHardware{trace, runLoop};
   SimDisplays displays;
   SimDisplayServices displayServices{displays, trace};
+  SimUserCalendar userCalendar{runLoop};
+  SimEventStore eventStore{trace, runLoop};
+  SimWorkspace workspace{trace};
 
  private:
   SimTextMetrics simTextMetrics_;

@@ -44,7 +44,7 @@ const std::vector<Room>& rooms() {
       {"desktop/audio", {"platform"}, {"system", "PulseAudio"}},
       {"desktop/display", {"platform"}, {"system", "Qt"}},
       {"desktop/input", {"platform"}, {"system", "Qt"}},
-      {"desktop/calendar", {"platform"}, {"system", "Qt", "libical"}},
+      {"desktop/calendar", {"desktop/session"}, {"system", "Qt", "libical"}},
       {"desktop/session", {"platform"}, {"system", "Qt"}},
       {"desktop/net", {"platform"}, {"system", "Qt", "libcurl"}},
       {"desktop",

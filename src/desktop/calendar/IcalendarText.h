@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include <QTimeZone>
+
+#include "platform/EventStore.h"
+
+namespace valdrix::desktop {
+
+/// The events of one iCalendar text (RFC 5545): a file with any number of VCALENDARs, or bare
+/// VEVENTs one after the other. Immutable, so it can be read from any thread, one thread at a time.
+///
+/// The text is untrusted: whatever it holds, work and memory are bounded, a component that makes no
+/// sense is left out, and all others stay.
+class IcalendarText {
+ public:
+  /// Longer texts hold no events.
+  static constexpr std::size_t maximumSize = std::size_t{64} << 20U;
+
+  /// Never fails: a text without any readable event is an empty one.
+  [[nodiscard]] static IcalendarText parse(std::string_view text);
+
+  IcalendarText(IcalendarText&&) noexcept;
+  IcalendarText& operator=(IcalendarText&&) noexcept;
+  ~IcalendarText();
+
+  [[nodiscard]] bool isEmpty() const;
+
+  /// The occurrences that overlap the time from `start` up to `end`, one event each, without a
+  /// calendar; edges as in `EventStore::events`. `eventIdentifier` is the event's UID. `local` is
+  /// the zone of all-day and floating times. In no particular order; cancelled ones are left out.
+  [[nodiscard]] std::vector<platform::Event> occurrences(platform::Instant start,
+                                                         platform::Instant end,
+                                                         const QTimeZone& local) const;
+
+  /// The earliest start among the occurrences that end after `after`, or have no length and stand
+  /// at or after it; nothing when there is none, now or ever. May be earlier than that, never
+  /// later: a rule that is too costly to follow counts as having one at once.
+  [[nodiscard]] std::optional<platform::Instant> nextStart(platform::Instant after,
+                                                           const QTimeZone& local) const;
+
+ private:
+  class Events;
+  explicit IcalendarText(std::unique_ptr<Events> events);
+  std::unique_ptr<Events> events_;
+};
+
+}  // namespace valdrix::desktop
