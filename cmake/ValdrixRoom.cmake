@@ -14,6 +14,13 @@ if(VALDRIX_SANITIZE)
   target_link_options(valdrix_options INTERFACE -fsanitize=${VALDRIX_SANITIZE})
 endif()
 
+# To be linked last: under the sanitizers most of the build's time would go into the tests' own code,
+# whose undefined behaviour nobody will ever meet.
+add_library(valdrix_test_options INTERFACE)
+if(VALDRIX_SANITIZE)
+  target_compile_options(valdrix_test_options INTERFACE -O0 -fno-sanitize=undefined)
+endif()
+
 # valdrix_room(FOLDER [ROOM-OR-LIBRARY…]): the sources of src/FOLDER as library valdrix_<folder>,
 # with / in the folder's name written as _.
 function(valdrix_room FOLDER)
