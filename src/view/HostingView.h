@@ -21,7 +21,8 @@ class ViewGraph;
 ///
 /// The window that shows it sets `onNeedsFrame`, and for each frame calls `prepareFrame` and then
 /// `draw` with the damaged part. Between frames nothing runs but the timers of timelines that can
-/// be seen.
+/// be seen and of an explanation that is about to come. Explanations are drawn in front of the
+/// views, so a window needs nothing of its own for them.
 class HostingView {
  public:
   /// What a tree needs of the world.

@@ -86,15 +86,18 @@ HostingView::Frame ViewGraph::prepareFrame(double lookAhead) {
     flush();
     isMoving_ = root_->advance(true);
   }
+  const bool isSignMoving = sign_.advance(frameTime_);
   const auto offer = ProposedSize::of(frame.size());
   root_->place(aligned(root_->sizeThatFits(offer), frame, Alignment::center), offer);
   std::swap(list_, formerList_);
   list_.clear();
   root_->draw(list_, DrawState{});
+  sign_.draw(list_, {0, 0, frame.width, frame.height});
   needsFrame_ = false;
   if (pointer_) updateHover();
-  if (isMoving_ || !dirty_.empty() || !actions_.empty()) requestFrame();
-  return {.damage = difference(formerList_, list_), .isAnimating = isMoving_};
+  const bool isAnimating = isMoving_ || isSignMoving;
+  if (isAnimating || !dirty_.empty() || !actions_.empty()) requestFrame();
+  return {.damage = difference(formerList_, list_), .isAnimating = isAnimating};
 }
 
 void ViewGraph::pointerMoved(Point point) {
@@ -109,7 +112,10 @@ void ViewGraph::pointerExited() {
   updateHover();
 }
 
-void ViewGraph::pointerPressed() { pressed_ = button_; }
+void ViewGraph::pointerPressed() {
+  pressed_ = button_;
+  sign_.dismiss();
+}
 
 void ViewGraph::pointerReleased() {
   ButtonNode* pressed = std::exchange(pressed_, nullptr);
@@ -122,6 +128,7 @@ void ViewGraph::updateHover() {
   button_ = path.button;
   toolTip_ = std::move(path.toolTip);
   showsLink_ = path.isLink;
+  sign_.update(toolTip_, pointer_);
   const auto former = std::exchange(hovered_, path.hovers);
   // Actions run after both lists stand, since they may change the tree.
   for (auto* hover : former)

@@ -9,6 +9,7 @@
 
 #include "view/HostingView.h"
 #include "view/Node.h"
+#include "view/ToolTip.h"
 #include "view/Transaction.h"
 
 namespace valdrix::view {
@@ -98,6 +99,7 @@ class ViewGraph {
   ButtonNode* pressed_ = nullptr;
   std::string toolTip_;
   bool showsLink_ = false;
+  ToolTip sign_{services_, [this] { requestFrame(); }};
 
   std::unique_ptr<Node> root_;
 };

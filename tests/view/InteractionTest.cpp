@@ -92,5 +92,36 @@ TEST_F(Row, OfOverlappingOnesTheFrontOneIsHit) {
   EXPECT_EQ(told, "+front ");
 }
 
+// What the sign over the picture says; nothing while none can be seen.
+std::optional<std::string> signText(Stage& stage) {
+  stage.framesUntilRest();
+  const auto& list = stage.host->displayList();
+  if (list.empty() || list.back().kind != DisplayItem::Kind::text) return std::nullopt;
+  return list.back().text;
+}
+
+TEST(ToolTip, ComesAfterAWhileAndLeavesWithItsView) {
+  const View wide = box(red).frame(FrameSize{.width = 200, .height = 300});
+  Stage stage(hStack({}, {wide.help("left"), box(blue).help("")}));
+  stage.host->pointerMoved({10, 290});
+  EXPECT_EQ(signText(stage), std::nullopt);
+  stage.tick();
+  EXPECT_EQ(signText(stage), "left");
+  EXPECT_TRUE(stage.timers.empty());
+  // There was no room below the pointer, and the sign is all inside.
+  EXPECT_LT(stage.host->displayList().back().bounds.maxY(), 290);
+
+  stage.host->pointerPressed({12, 290});
+  stage.host->pointerReleased({12, 290});
+  EXPECT_EQ(signText(stage), std::nullopt);
+  stage.host->pointerMoved({300, 10});
+  stage.host->pointerMoved({100, 10});
+  stage.tick();
+  EXPECT_EQ(signText(stage), "left");
+  stage.host->pointerMoved({300, 10});
+  EXPECT_EQ(signText(stage), std::nullopt);
+  EXPECT_TRUE(stage.timers.empty());
+}
+
 }  // namespace
 }  // namespace valdrix::view
