@@ -1,17 +1,30 @@
 #pragma once
 
+#include <chrono>
+#include <filesystem>
 #include <functional>
 
+#include <QSocketNotifier>
 #include <QTimeZone>
 
+#include "desktop/session/FileWatch.h"
+#include "desktop/session/UniqueFd.h"
 #include "observation/Listeners.h"
 #include "platform/UserCalendar.h"
 
 namespace valdrix::desktop {
 
 /// The system's clock and time zone. Needs an event loop.
+///
+/// The zone is the one that TZ names, which then stays, or else the one that `localtime` is a link
+/// to. A zone that nobody knows is UTC, as for the C library.
+///
+/// Nothing is polled. One timer of the kernel wakes the process at the next start of a day, and as
+/// soon as the clock is set, which kernels since 5.15 also say after a sleep.
 class QtUserCalendar final : public platform::UserCalendar {
  public:
+  explicit QtUserCalendar(std::filesystem::path localtime = "/etc/localtime");
+
   [[nodiscard]] platform::Instant now() const override;
   [[nodiscard]] platform::Instant startOfDay(platform::Instant instant) const override;
   [[nodiscard]] std::optional<platform::Instant> addDays(platform::Instant instant,
@@ -23,8 +36,22 @@ class QtUserCalendar final : public platform::UserCalendar {
   [[nodiscard]] const QTimeZone& zone() const { return zone_; }
 
  private:
-  QTimeZone zone_ = QTimeZone::systemTimeZone();
+  /// What a clock on the wall shows.
+  using LocalTime = std::chrono::local_time<std::chrono::milliseconds>;
+
+  [[nodiscard]] LocalTime localTime(platform::Instant instant) const;
+  [[nodiscard]] platform::Instant firstInstantAt(LocalTime time) const;
+  [[nodiscard]] QTimeZone readZone() const;
+  void rereadZone();
+  void awaitNextDay();
+  void handleTimer();
+
+  std::filesystem::path localtime_;
+  QTimeZone zone_;
   Listeners<> observers_;
+  UniqueFd timer_;
+  QSocketNotifier timerNotifier_{QSocketNotifier::Read};
+  FileWatch zoneWatch_;
 };
 
 }  // namespace valdrix::desktop
