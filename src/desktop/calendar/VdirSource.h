@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "desktop/calendar/CalendarSource.h"
+#include "desktop/calendar/VdirHorizon.h"
 #include "desktop/calendar/VdirPaths.h"
 #include "desktop/session/QtUserCalendar.h"
 #include "observation/Lifetime.h"
@@ -35,8 +36,9 @@ class VdirSource final : public CalendarSource {
   [[nodiscard]] Token observeChanges(std::function<void()> block) override;
 
  private:
-  void widen(platform::Instant start, platform::Instant end) const;
+  [[nodiscard]] VdirHorizon horizon() const;
   void requestHorizon() const;
+  void widen(platform::Instant start, platform::Instant end) const;
 
   platform::RunLoop& runLoop_;
   QtUserCalendar& userCalendar_;
@@ -47,6 +49,7 @@ class VdirSource final : public CalendarSource {
   /// How far before and after today has ever been asked for.
   mutable std::chrono::days behind_{1};
   mutable std::chrono::days ahead_{14};
+  mutable VdirHorizon horizon_{};  ///< as asked for last
   std::unique_ptr<VdirWorker> worker_;
   Lifetime lifetime_;
 };
