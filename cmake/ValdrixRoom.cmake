@@ -14,9 +14,11 @@ if(VALDRIX_SANITIZE)
   target_link_options(valdrix_options INTERFACE -fsanitize=${VALDRIX_SANITIZE})
 endif()
 
-# To be linked last: under the sanitizers most of the build's time would go into the tests' own code,
-# whose undefined behaviour nobody will ever meet.
+# To be linked last. Under the sanitizers most of the build's time would go into the tests' own code,
+# whose undefined behaviour nobody will ever meet. Some libraries ask for position-independent code
+# and some for threads; all tests get both, because they share precompiled headers.
 add_library(valdrix_test_options INTERFACE)
+target_compile_options(valdrix_test_options INTERFACE -fPIC -pthread)
 if(VALDRIX_SANITIZE)
   target_compile_options(valdrix_test_options INTERFACE -O0 -fno-sanitize=undefined)
 endif()

@@ -4,7 +4,10 @@
 configure() {
   local preset=$1
   shift
-  if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
+  if command -v ccache >/dev/null; then
+    # Precompiled headers are only cached when it need not know what they define.
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
+  fi
   quietly cmake --preset "$preset" "$@"
 }
 
