@@ -67,6 +67,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .displayServices = displayServices_,
              .userCalendar = userCalendar_,
              .eventStore = eventStore_,
+             .collator = collator_,
              .workspace = workspace_,
              .textMetrics = textMetrics_} {}
 

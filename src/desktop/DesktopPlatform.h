@@ -19,6 +19,7 @@
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/session/QtUserCalendar.h"
 #include "desktop/session/SessionBus.h"
+#include "desktop/ui/QtCollator.h"
 #include "desktop/ui/QtTextMetrics.h"
 #include "platform/Platform.h"
 
@@ -62,6 +63,7 @@ class DesktopPlatform {
   BacklightDisplayServices displayServices_;
   QtUserCalendar userCalendar_;
   DesktopEventStore eventStore_;
+  QtCollator collator_;
   DesktopWorkspace workspace_;
   std::unique_ptr<WindowSystem> windowSystem_;
   Token preferencesObserver_;

@@ -3,6 +3,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Application.h"
 #include "platform/AudioHardware.h"
+#include "platform/Collator.h"
 #include "platform/Cursor.h"
 #include "platform/DisplayServices.h"
 #include "platform/Displays.h"
@@ -38,6 +39,7 @@ struct Platform {
   DisplayServices& displayServices;
   UserCalendar& userCalendar;
   EventStore& eventStore;
+  const Collator& collator;
   Workspace& workspace;
   const view::TextMetrics& textMetrics;
 };

@@ -5,6 +5,7 @@
 #include "sim/SimAccessibility.h"
 #include "sim/SimApplication.h"
 #include "sim/SimAudioHardware.h"
+#include "sim/SimCollator.h"
 #include "sim/SimCursor.h"
 #include "sim/SimDisplayServices.h"
 #include "sim/SimDisplays.h"
@@ -30,23 +31,24 @@ class SimDesktop {
   /// `textMetrics` measures the text; without it, text is measured without a font. It must outlive
   /// the desktop, as the desktop must outlive the program.
   explicit SimDesktop(const view::TextMetrics* textMetrics = nullptr)
-      : platform_{runLoop,
-                  application,
-                  userDefaults,
-                  screens,
-                  panelWindows,
-                  pointer,
-                  cursor,
-                  haptics,
-                  accessibility,
-                  eventTaps,
-                  audioHardware,
-                  displays,
-                  displayServices,
-                  userCalendar,
-                  eventStore,
-                  workspace,
-                  textMetrics ? *textMetrics : simTextMetrics_} {}
+      : platform_{.runLoop = runLoop,
+                  .application = application,
+                  .userDefaults = userDefaults,
+                  .screens = screens,
+                  .panelWindows = panelWindows,
+                  .pointer = pointer,
+                  .cursor = cursor,
+                  .haptics = haptics,
+                  .accessibility = accessibility,
+                  .eventTaps = eventTaps,
+                  .audioHardware = audioHardware,
+                  .displays = displays,
+                  .displayServices = displayServices,
+                  .userCalendar = userCalendar,
+                  .eventStore = eventStore,
+                  .collator = collator,
+                  .workspace = workspace,
+                  .textMetrics = textMetrics ? *textMetrics : simTextMetrics_} {}
   SimDesktop(const SimDesktop&) = delete;
   SimDesktop& operator=(const SimDesktop&) = delete;
 
@@ -68,6 +70,7 @@ class SimDesktop {
   SimDisplayServices displayServices{displays, trace};
   SimUserCalendar userCalendar{runLoop};
   SimEventStore eventStore{trace, runLoop};
+  SimCollator collator;
   SimWorkspace workspace{trace};
 
  private:
