@@ -73,12 +73,15 @@ struct Rectangle {
   bool operator==(const Rectangle&) const = default;
 };
 
-/// A rectangle with rounded corners; the radius is in points.
+/// A rectangle with rounded corners. Lengths in points.
 struct RoundedRectangle {
   double cornerRadius = 0;
   bool isContinuous = false;
+  /// How far inside the rectangle the outline runs, at the same distance all around: half a line's
+  /// width for a border that must not reach out.
+  double inset = 0;
   [[nodiscard]] Path path(const Rect& rect) const {
-    return Path::roundedRectangle(rect, cornerRadius, isContinuous);
+    return Path::roundedRectangle(rect.outset(-inset), cornerRadius - inset, isContinuous);
   }
   bool operator==(const RoundedRectangle&) const = default;
 };
