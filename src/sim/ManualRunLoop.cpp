@@ -14,27 +14,36 @@ Token ManualRunLoop::scheduleTimer(double interval, bool repeats, std::function<
   const bool isPositive = interval > 0;
   const auto id = nextId_++;
   timers_.emplace(Key{now_ + (isPositive ? interval : 0), id},
-                  Timer{interval, repeats && isPositive, std::move(block), false});
+                  Timer{interval, repeats && isPositive, std::move(block), Purpose::program});
   trace_.add("timer scheduled " + formatNumber(interval) + (repeats ? " repeating" : ""));
   return Token([this, id] { cancel(id); });
 }
 
-Token ManualRunLoop::scheduleFrame(double delay, std::function<void()> block) {
+Token ManualRunLoop::scheduleUnseen(double delay, Purpose purpose, std::function<void()> block) {
   const auto id = nextId_++;
-  timers_.emplace(Key{now_ + delay, id}, Timer{delay, false, std::move(block), true});
+  timers_.emplace(Key{now_ + delay, id}, Timer{delay, false, std::move(block), purpose});
   return Token([this, id] { cancel(id); });
 }
 
+Token ManualRunLoop::scheduleFrame(double delay, std::function<void()> block) {
+  return scheduleUnseen(delay, Purpose::frame, std::move(block));
+}
+
+Token ManualRunLoop::scheduleDesktopTimer(double delay, std::function<void()> block) {
+  return scheduleUnseen(delay, Purpose::desktop, std::move(block));
+}
+
 std::size_t ManualRunLoop::timerCount() const {
-  return static_cast<std::size_t>(std::count_if(
-      timers_.begin(), timers_.end(), [](const auto& entry) { return !entry.second.isFrame; }));
+  return static_cast<std::size_t>(
+      std::count_if(timers_.begin(), timers_.end(),
+                    [](const auto& entry) { return entry.second.purpose == Purpose::program; }));
 }
 
 void ManualRunLoop::cancel(std::uint64_t id) {
   const auto timer = std::find_if(timers_.begin(), timers_.end(),
                                   [&](const auto& entry) { return entry.first.second == id; });
   if (timer == timers_.end()) return;
-  if (!timer->second.isFrame)
+  if (timer->second.purpose == Purpose::program)
     trace_.add("timer invalidated " + formatNumber(timer->second.interval));
   timers_.erase(timer);
 }
@@ -62,7 +71,7 @@ bool ManualRunLoop::runFirstTimer(double until) {
   auto node = timers_.extract(timers_.begin());
   now_ = std::max(now_, node.key().first);
   const auto block = node.mapped().block;
-  if (node.mapped().isFrame) ++frameCount_;
+  if (node.mapped().purpose == Purpose::frame) ++frameCount_;
   if (node.mapped().repeats) {
     node.key().first = now_ + node.mapped().interval;
     timers_.insert(std::move(node));

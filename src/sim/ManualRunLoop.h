@@ -24,6 +24,8 @@ class ManualRunLoop : public platform::RunLoop {
   /// A one-shot timer of the simulated screen: neither traced nor counted, because frames are not
   /// what the program asked a timer for.
   [[nodiscard]] Token scheduleFrame(double delay, std::function<void()> block);
+  /// A one-shot timer of the simulated desktop for its own ends: neither traced nor counted.
+  [[nodiscard]] Token scheduleDesktopTimer(double delay, std::function<void()> block);
 
   /// How many frame timers have run.
   [[nodiscard]] std::uint64_t frameCount() const { return frameCount_; }
@@ -37,14 +39,16 @@ class ManualRunLoop : public platform::RunLoop {
   [[nodiscard]] double nextTimer() const;
 
  private:
+  enum class Purpose { program, frame, desktop };
   struct Timer {
     double interval;
     bool repeats;
     std::function<void()> block;
-    bool isFrame = false;
+    Purpose purpose;
   };
   using Key = std::pair<double, std::uint64_t>;
 
+  Token scheduleUnseen(double delay, Purpose purpose, std::function<void()> block);
   void runQueue();
   bool runFirstTimer(double until);
   void cancel(std::uint64_t id);

@@ -10,7 +10,8 @@
 
 namespace valdrix::sim {
 
-/// The simulated user's calendars, and what the user answers when asked for them.
+/// The simulated user's calendars, and what the user answers when asked for them. What is added and
+/// removed is so by another program; a turn of the loop in which that happened gives one notice.
 class SimEventStore final : public platform::EventStore {
  public:
   SimEventStore(Trace& trace, platform::RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
@@ -28,12 +29,20 @@ class SimEventStore final : public platform::EventStore {
   void setAuthorizationStatus(platform::EventAuthorization status) { status_ = status; }
   /// What the user will answer; a refusal is not asked again.
   void setAnswer(bool grants) { grants_ = grants; }
-  /// The calendars and occurrences from now on, as if another program had written them. Each
-  /// occurrence names its calendar.
-  void setContents(std::vector<platform::EventCalendar> calendars,
-                   std::vector<platform::Event> events);
+
+  /// Adds a calendar, or changes the one of that identifier.
+  void addCalendar(const platform::EventCalendar& calendar);
+  /// Removes a calendar with its events. Whether there was one.
+  bool removeCalendar(const std::string& identifier);
+  /// Adds an occurrence to a calendar. Whether there is one of that identifier.
+  bool addEvent(platform::Event event, const std::string& calendarIdentifier);
+  /// Removes all occurrences of an event. Whether there were any.
+  bool removeEvent(const std::string& identifier);
 
  private:
+  [[nodiscard]] const platform::EventCalendar* calendarOf(const std::string& identifier) const;
+  void changed();
+
   Trace& trace_;
   platform::RunLoop& runLoop_;
   platform::EventAuthorization status_ = platform::EventAuthorization::notDetermined;
@@ -41,6 +50,7 @@ class SimEventStore final : public platform::EventStore {
   std::vector<platform::EventCalendar> calendars_;
   std::vector<platform::Event> events_;
   Listeners<> observers_;
+  bool isNoticeUnderWay_ = false;
   Lifetime lifetime_;
 };
 

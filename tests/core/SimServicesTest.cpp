@@ -19,9 +19,8 @@ using platform::EventAuthorization;
 using platform::Instant;
 using std::chrono::hours;
 
-Event event(const char* title, hours start, hours end, const platform::EventCalendar& calendar) {
-  return {
-      .title = title, .startDate = Instant(start), .endDate = Instant(end), .calendar = calendar};
+Event event(const char* title, hours start, hours end) {
+  return {.title = title, .startDate = Instant(start), .endDate = Instant(end)};
 }
 
 TEST(SimEventStore, GivesWhatOverlapsToThoseWhoMayRead) {
@@ -30,13 +29,13 @@ TEST(SimEventStore, GivesWhatOverlapsToThoseWhoMayRead) {
   SimEventStore store(trace, runLoop);
   int changes = 0;
   const Token token = store.observeChanges([&] { ++changes; });
-  const platform::EventCalendar home{.calendarIdentifier = "home", .title = "Home"};
-  const platform::EventCalendar work{.calendarIdentifier = "work", .title = "Work"};
-  store.setContents(
-      {home, work},
-      {event("over", hours(8), hours(10), home), event("in", hours(9), hours(11), home),
-       event("empty", hours(10), hours(10), home), event("hidden", hours(11), hours(12), work),
-       event("late", hours(12), hours(13), home)});
+  store.addCalendar({.calendarIdentifier = "home", .title = "Home"});
+  store.addCalendar({.calendarIdentifier = "work", .title = "Work"});
+  store.addEvent(event("over", hours(8), hours(10)), "home");
+  store.addEvent(event("in", hours(9), hours(11)), "home");
+  store.addEvent(event("empty", hours(10), hours(10)), "home");
+  store.addEvent(event("hidden", hours(11), hours(12)), "work");
+  store.addEvent(event("late", hours(12), hours(13)), "home");
   runLoop.runPending();
   EXPECT_EQ(changes, 1);
 
