@@ -1,5 +1,7 @@
 #include "bench/core/Stage.h"
 
+#include <chrono>
+#include <string>
 #include <utility>
 
 #include "notch/NotchRootView.h"
@@ -13,10 +15,24 @@ constexpr view::Size windowSize{720, 1000};
 
 /// `ports` with another pointer.
 platform::Platform withPointer(const platform::Platform& ports, platform::Pointer& pointer) {
-  return {ports.runLoop,         ports.application, ports.userDefaults,  ports.screens,
-          ports.panelWindows,    pointer,           ports.cursor,        ports.haptics,
-          ports.accessibility,   ports.eventTaps,   ports.audioHardware, ports.displays,
-          ports.displayServices, ports.textMetrics};
+  return {.runLoop = ports.runLoop,
+          .application = ports.application,
+          .userDefaults = ports.userDefaults,
+          .screens = ports.screens,
+          .panelWindows = ports.panelWindows,
+          .pointer = pointer,
+          .cursor = ports.cursor,
+          .haptics = ports.haptics,
+          .accessibility = ports.accessibility,
+          .eventTaps = ports.eventTaps,
+          .audioHardware = ports.audioHardware,
+          .displays = ports.displays,
+          .displayServices = ports.displayServices,
+          .userCalendar = ports.userCalendar,
+          .eventStore = ports.eventStore,
+          .collator = ports.collator,
+          .workspace = ports.workspace,
+          .textMetrics = ports.textMetrics};
 }
 
 }  // namespace
@@ -49,6 +65,24 @@ platform::TapResult KeyStage::press(std::uint32_t keyCode, std::uint32_t modifie
 }
 
 PanelStage::PanelStage(NotchPresentation presentation) {
+  sim::SimEventStore& store = desktop_.eventStore;
+  store.addCalendar({.calendarIdentifier = "home", .title = "Home"});
+  for (int hour = 1; hour <= 4; ++hour) {
+    const auto start = desktop_.userCalendar.now() + std::chrono::hours(6 * hour);
+    store.addEvent({.eventIdentifier = std::to_string(hour),
+                    .title = "An event of the next day or two",
+                    .startDate = start,
+                    .endDate = start + std::chrono::hours(1)},
+                   "home");
+  }
+  store.setAuthorizationStatus(platform::EventAuthorization::fullAccess);
+  registerPreferenceDefaults(desktop_.userDefaults);
+  calendarService_.emplace(CalendarService::Ports{.eventStore = store,
+                                                  .collator = desktop_.collator,
+                                                  .userCalendar = desktop_.userCalendar,
+                                                  .runLoop = desktop_.runLoop,
+                                                  .userDefaults = desktop_.userDefaults,
+                                                  .workspace = desktop_.workspace});
   model.volumeLevel = 0.5F;
   model.brightnessLevel = 0.5F;
   model.isVolumeHUDVisible = presentation == NotchPresentation::volumeHUD;
@@ -58,9 +92,15 @@ PanelStage::PanelStage(NotchPresentation presentation) {
 
 std::unique_ptr<view::HostingView> PanelStage::makeView() {
   auto hosting = std::make_unique<view::HostingView>(
-      NotchRootView{.viewModel = &model, .windowSize = windowSize},
+      NotchRootView{.viewModel = &model,
+                    .calendar = {.calendarService = &*calendarService_,
+                                 .workspace = &desktop_.workspace,
+                                 .cursor = &desktop_.cursor},
+                    .windowSize = windowSize},
       view::HostingView::Services{
-          .textMetrics = metrics_, .now = [this] { return now; }, .scheduleRepeatingTimer = {}});
+          .textMetrics = metrics_,
+          .now = [this] { return now; },
+          .scheduleRepeatingTimer = [](double, const auto&) { return Token([] {}); }});
   hosting->setFrame({0, 0, windowSize.width, windowSize.height});
   return hosting;
 }

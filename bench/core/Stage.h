@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "app/AppDelegate.h"
@@ -72,7 +73,7 @@ class KeyStage {
   MediaKeyMonitor monitor_;
 };
 
-/// The panel's view with its model and a clock of its own.
+/// The panel's view with its model, a few events and a clock of its own.
 class PanelStage {
  public:
   explicit PanelStage(NotchPresentation presentation);
@@ -84,6 +85,8 @@ class PanelStage {
   double now = 0;
 
  private:
+  sim::SimDesktop desktop_;
+  std::optional<CalendarService> calendarService_;
   sim::SimTextMetrics metrics_;
 };
 

@@ -15,6 +15,12 @@ std::shared_ptr<AppDelegate> AppDelegate::make(const platform::Platform& platfor
 AppDelegate::AppDelegate(const platform::Platform& platform)
     : platform_(platform),
       registeredDefaults_(platform.userDefaults),
+      calendarService_({.eventStore = platform.eventStore,
+                        .collator = platform.collator,
+                        .userCalendar = platform.userCalendar,
+                        .runLoop = platform.runLoop,
+                        .userDefaults = platform.userDefaults,
+                        .workspace = platform.workspace}),
       volumeService_(platform.audioHardware),
       brightnessService_(platform.displayServices, platform.displays),
       mediaKeyMonitor_(platform.runLoop, platform.accessibility, platform.eventTaps,
@@ -22,8 +28,8 @@ AppDelegate::AppDelegate(const platform::Platform& platform)
 
 NotchWindowController& AppDelegate::windowController() {
   if (!windowController_)
-    windowController_ = std::make_unique<NotchWindowController>(platform_, viewModel_,
-                                                                volumeService_, brightnessService_);
+    windowController_ = std::make_unique<NotchWindowController>(
+        platform_, viewModel_, calendarService_, volumeService_, brightnessService_);
   return *windowController_;
 }
 

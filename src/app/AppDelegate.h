@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "calendar/CalendarService.h"
 #include "media/BrightnessService.h"
 #include "media/MediaKeyMonitor.h"
 #include "media/VolumeService.h"
@@ -32,6 +33,8 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   void mediaKeyBrightnessDown(float step) override;
 
   [[nodiscard]] const NotchViewModel& viewModel() const { return viewModel_; }
+  [[nodiscard]] CalendarService& calendarService() { return calendarService_; }
+  [[nodiscard]] const CalendarService& calendarService() const { return calendarService_; }
   [[nodiscard]] const VolumeService& volumeService() const { return volumeService_; }
   [[nodiscard]] const BrightnessService& brightnessService() const { return brightnessService_; }
   [[nodiscard]] const MediaKeyMonitor& mediaKeyMonitor() const { return mediaKeyMonitor_; }
@@ -54,6 +57,7 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   const platform::Platform& platform_;
   RegisteredDefaults registeredDefaults_;
   NotchViewModel viewModel_;
+  CalendarService calendarService_;
   VolumeService volumeService_;
   BrightnessService brightnessService_;
   MediaKeyMonitor mediaKeyMonitor_;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "calendar/CalendarView.h"
+#include "calendar/EventListView.h"
+#include "calendar/FrenchLocale.h"
 #include "media/BrightnessHUDView.h"
 #include "media/VolumeHUDView.h"
 #include "notch/NotchAnimations.h"
@@ -19,7 +22,7 @@ using view::View;
 namespace {
 
 constexpr double hudTopGap = 6;
-constexpr double heightWithoutEvents = 50;
+constexpr double heightWithoutAccess = 50;
 constexpr double minContentHeight = 72;
 constexpr double outlineOpacity = 0.06;
 constexpr double outlineWidth = 0.5;
@@ -45,7 +48,12 @@ double NotchRootView::cornerRadius(NotchPresentation presentation) const {
 }
 
 double NotchRootView::targetContentHeight() const {
-  return std::max(heightWithoutEvents, minContentHeight);
+  const CalendarService& service = *calendar.calendarService;
+  const double height =
+      service.authStatus() == platform::EventAuthorization::fullAccess
+          ? EventListView::estimatedHeight(service.events(), service.userCalendar())
+          : heightWithoutAccess;
+  return std::max(height, minContentHeight);
 }
 
 View NotchRootView::body(State& state) const {
@@ -73,7 +81,7 @@ View NotchRootView::body(State& state) const {
                                               [&] { state.measuredContentHeight = height; });
                           self.viewModel->expandedSize = self.expandedSize(height);
                         })
-      .locale("fr_FR");
+      .locale(std::string(frenchLocale.identifier));
 }
 
 View NotchRootView::housing() const {
@@ -98,7 +106,7 @@ View NotchRootView::panel(NotchPresentation presentation) const {
 
 View NotchRootView::calendarLayer(NotchPresentation presentation) const {
   const bool isShown = presentation == NotchPresentation::expanded;
-  return calendarContent
+  return View(CalendarView{calendar})
       .frame(view::FrameSize{.width = expandedWidth - 2 * contentHorizontalInset,
                              .alignment = Alignment::topLeading})
       .fixedSize(false, true)

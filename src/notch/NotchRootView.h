@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "calendar/CalendarEnvironment.h"
 #include "notch/NotchViewModel.h"
 #include "observation/Observed.h"
 #include "view/View.h"
@@ -14,8 +15,8 @@ namespace valdrix {
 /// lengths in points.
 struct NotchRootView {
   NotchViewModel* viewModel = nullptr;
-  /// What the expanded panel shows, `expandedWidth` less both horizontal insets wide.
-  view::View calendarContent{};
+  /// What the expanded content works with.
+  CalendarEnvironment calendar{};
   view::Size windowSize{720, 1000};
   view::Size collapsedSize{200, 32};
   double expandedWidth = 580;

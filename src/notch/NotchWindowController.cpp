@@ -23,10 +23,12 @@ constexpr std::uint32_t motionMask = platform::eventMask::mouseMoved |
 
 NotchWindowController::NotchWindowController(const platform::Platform& platform,
                                              NotchViewModel& viewModel,
+                                             const CalendarService& calendarService,
                                              VolumeService& volumeService,
                                              BrightnessService& brightnessService)
     : platform_(platform),
       viewModel_(viewModel),
+      calendarService_(calendarService),
       volumeService_(volumeService),
       brightnessService_(brightnessService),
       trackingObserver_([this] { scheduleTrackingUpdate(); }) {}
@@ -60,8 +62,12 @@ void NotchWindowController::buildWindow() {
                  windowSize_.width, windowSize_.height});
   auto& runLoop = platform_.runLoop;
   auto content = std::make_unique<view::HostingView>(
-      NotchRootView{
-          .viewModel = &viewModel_, .windowSize = windowSize_, .collapsedSize = notchSize(*screen)},
+      NotchRootView{.viewModel = &viewModel_,
+                    .calendar = {.calendarService = &calendarService_,
+                                 .workspace = &platform_.workspace,
+                                 .cursor = &platform_.cursor},
+                    .windowSize = windowSize_,
+                    .collapsedSize = notchSize(*screen)},
       view::HostingView::Services{.textMetrics = platform_.textMetrics,
                                   .now = [&runLoop] { return runLoop.now(); },
                                   .scheduleRepeatingTimer =

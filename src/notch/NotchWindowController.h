@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "calendar/CalendarService.h"
 #include "media/BrightnessService.h"
 #include "media/VolumeService.h"
 #include "notch/NotchViewModel.h"
@@ -19,7 +20,8 @@ namespace valdrix {
 class NotchWindowController {
  public:
   NotchWindowController(const platform::Platform& platform, NotchViewModel& viewModel,
-                        VolumeService& volumeService, BrightnessService& brightnessService);
+                        const CalendarService& calendarService, VolumeService& volumeService,
+                        BrightnessService& brightnessService);
   ~NotchWindowController();
   NotchWindowController(const NotchWindowController&) = delete;
   NotchWindowController& operator=(const NotchWindowController&) = delete;
@@ -54,6 +56,7 @@ class NotchWindowController {
   const platform::Platform& platform_;
   std::unique_ptr<NotchWindow> window_;
   NotchViewModel& viewModel_;
+  const CalendarService& calendarService_;
   VolumeService& volumeService_;
   BrightnessService& brightnessService_;
   Token screenObserver_;

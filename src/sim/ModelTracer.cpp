@@ -20,14 +20,51 @@ std::string nameOf(NotchPresentation presentation) {
   return "expanded";
 }
 
+std::string accessText(platform::EventAuthorization status) {
+  switch (status) {
+    case platform::EventAuthorization::notDetermined:
+      return "access notDetermined";
+    case platform::EventAuthorization::restricted:
+      return "access restricted";
+    case platform::EventAuthorization::denied:
+      return "access denied";
+    case platform::EventAuthorization::fullAccess:
+      return "access fullAccess";
+    case platform::EventAuthorization::writeOnly:
+      break;
+  }
+  return "access writeOnly";
+}
+
+std::string eventsText(const std::vector<platform::Event>& events) {
+  std::string text;
+  for (const auto& event : events)
+    text += (text.empty() ? " " : " | ") + event.title.value_or("(untitled)");
+  return "events" + (text.empty() ? " none" : text);
+}
+
+/// Where these stand among the lines.
+constexpr std::size_t accessLine = 4;
+constexpr std::size_t eventsLine = 5;
+
 }  // namespace
 
-ModelTracer::ModelTracer(const NotchViewModel& model, Trace& trace, platform::RunLoop& runLoop)
-    : model_(model), trace_(trace), runLoop_(runLoop), observer_([this] {
-        if (std::exchange(isUpdateScheduled_, true)) return;
-        runLoop_.async(lifetime_.weak([this] { update(); }));
-      }) {
+ModelTracer::ModelTracer(const NotchViewModel& model, const CalendarService& calendarService,
+                         Trace& trace, platform::RunLoop& runLoop)
+    : model_(model),
+      calendarService_(calendarService),
+      trace_(trace),
+      runLoop_(runLoop),
+      observer_([this] { scheduleUpdate(); }) {
   latest_ = observer_.track([this] { return lines(); });
+  latest_[accessLine] = accessText(platform::EventAuthorization::notDetermined);
+  latest_[eventsLine] = eventsText({});
+  scheduleUpdate();
+}
+
+void ModelTracer::scheduleUpdate() {
+  if (std::exchange(isUpdateScheduled_, true)) return;
+  runLoop_.async(lifetime_.weak([this] { update(); }));
 }
 
 std::vector<std::string> ModelTracer::lines() const {
@@ -37,6 +74,8 @@ std::vector<std::string> ModelTracer::lines() const {
       "expandedSize " + formatNumber(size.width) + 'x' + formatNumber(size.height),
       "level volume " + formatNumber(model_.volumeLevel.get()) + (model_.isMuted ? " muted" : ""),
       "level brightness " + formatNumber(model_.brightnessLevel.get()),
+      accessText(calendarService_.authStatus()),
+      eventsText(calendarService_.events()),
   };
 }
 

@@ -1,9 +1,12 @@
 #include "sim/ScenarioCommands.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 #include <string>
 #include <utility>
 
+#include "sim/ScenarioCalendarCommands.h"
 #include "sim/ScenarioError.h"
 #include "sim/ScenarioPlayer.h"
 
@@ -12,7 +15,6 @@ namespace valdrix::sim {
 namespace {
 
 using Action = Scenario::Action;
-using Parser = Action (*)(ScenarioWords& words);
 using platform::Screen;
 
 constexpr unsigned mostDisplays = 1000;
@@ -294,9 +296,14 @@ Action parsePicture(ScenarioWords& words) {
 }
 
 Action parseReport(ScenarioWords& words) {
-  if (words.takeChoice({"frames", "timers"}) == 0)
-    return [](ScenarioPlayer& player) { player.reportFrames(); };
-  return [](ScenarioPlayer& player) { player.reportTimers(); };
+  switch (words.takeChoice({"frames", "timers", "texts"})) {
+    case 0:
+      return [](ScenarioPlayer& player) { player.reportFrames(); };
+    case 1:
+      return [](ScenarioPlayer& player) { player.reportTimers(); };
+    default:
+      return [](ScenarioPlayer& player) { player.reportTexts(); };
+  }
 }
 
 /// One screen of 1512 × 982 with a housing of 200 × 32, speakers and a built-in display half up.
@@ -310,7 +317,7 @@ Action parseLaptop(ScenarioWords&) {
   };
 }
 
-constexpr auto commands = std::to_array<std::pair<std::string_view, Parser>>({
+constexpr auto commands = std::to_array<ScenarioCommand>({
     {"audio", parseAudio},
     {"brightness-library", parseBrightnessLibrary},
     {"click", parseClick},
@@ -335,9 +342,11 @@ constexpr auto commands = std::to_array<std::pair<std::string_view, Parser>>({
 
 Scenario::Action parseScenarioCommand(ScenarioWords& words) {
   const auto name = words.take("une commande");
-  for (const auto& [command, parse] : commands) {
-    if (command != name) continue;
-    auto action = parse(words);
+  for (const auto subject :
+       {std::span<const ScenarioCommand>(commands), scenarioCalendarCommands()}) {
+    const auto command = std::ranges::find(subject, name, &ScenarioCommand::name);
+    if (command == subject.end()) continue;
+    auto action = command->parse(words);
     words.expectEnd();
     return action;
   }

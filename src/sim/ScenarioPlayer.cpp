@@ -30,23 +30,34 @@ void ScenarioPlayer::play(const Scenario& scenario) {
 void ScenarioPlayer::launch() {
   if (isRunning()) throw ScenarioError(0, "le programme est déjà lancé");
   app_ = std::make_unique<ValdrixApp>(desktop_.platform());
-  modelTracer_ = std::make_unique<ModelTracer>(app_->appDelegate().viewModel(), desktop_.trace,
-                                               desktop_.runLoop);
+  const AppDelegate& app = app_->appDelegate();
+  modelTracer_ = std::make_unique<ModelTracer>(app.viewModel(), app.calendarService(),
+                                               desktop_.trace, desktop_.runLoop);
   app_->didFinishLaunching();
 }
 
-void ScenarioPlayer::quit() {
+ValdrixApp& ScenarioPlayer::app() {
   if (!isRunning()) throw ScenarioError(0, "le programme n'est pas lancé");
+  return *app_;
+}
+
+void ScenarioPlayer::quit() {
+  (void)app();
   modelTracer_.reset();
   app_.reset();
 }
 
-void ScenarioPlayer::takePicture(const std::string& name) {
+const view::HostingView& ScenarioPlayer::shownContent() const {
   const auto* window = desktop_.panelWindows.frontWindow();
   if (!window || !window->content()) throw ScenarioError(0, "aucun panneau à l'écran");
+  return *window->content();
+}
+
+void ScenarioPlayer::takePicture(const std::string& name) {
+  const auto& content = shownContent();
   desktop_.trace.add("picture " + name);
   if (!takePicture_) return;
-  if (const auto problem = takePicture_(name, *window->content()); !problem.empty())
+  if (const auto problem = takePicture_(name, content); !problem.empty())
     throw ScenarioError(0, problem);
 }
 
@@ -58,6 +69,14 @@ void ScenarioPlayer::reportFrames() {
 
 void ScenarioPlayer::reportTimers() {
   desktop_.trace.add("timers " + std::to_string(desktop_.runLoop.timerCount()));
+}
+
+void ScenarioPlayer::reportTexts() {
+  std::string texts;
+  for (const auto& item : shownContent().displayList())
+    if (item.kind == view::DisplayItem::Kind::text)
+      texts += (texts.empty() ? " " : " | ") + item.text;
+  desktop_.trace.add("texts" + texts);
 }
 
 }  // namespace valdrix::sim

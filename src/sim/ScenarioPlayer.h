@@ -39,13 +39,19 @@ class ScenarioPlayer {
   /// Ends the program by destroying it.
   void quit();
   [[nodiscard]] bool isRunning() const { return app_ != nullptr; }
+  /// The running program. Throws a `ScenarioError` when it does not run.
+  [[nodiscard]] ValdrixApp& app();
   void takePicture(const std::string& name);
   /// Traces how many frames were asked for since the last report.
   void reportFrames();
   /// Traces how many timers run.
   void reportTimers();
+  /// Traces all texts that the panel shows, from back to front.
+  void reportTexts();
 
  private:
+  [[nodiscard]] const view::HostingView& shownContent() const;
+
   SimDesktop desktop_;
   TakePicture takePicture_;
   std::uint64_t reportedFrames_ = 0;

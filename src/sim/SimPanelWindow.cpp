@@ -110,7 +110,9 @@ bool SimPanelWindow::takes(view::Point point) const {
 void SimPanelWindow::pointerMoved(view::Point point) {
   if (!takes(point)) return leaveContent();
   isPointerInContent_ = true;
-  if (content_) content_->pointerMoved(toContent(point));
+  if (!content_) return;
+  content_->pointerMoved(toContent(point));
+  traceToolTip();
 }
 
 void SimPanelWindow::pointerPressed(view::Point point) {
@@ -122,7 +124,9 @@ void SimPanelWindow::pointerReleased(view::Point point) {
 }
 
 void SimPanelWindow::leaveContent() {
-  if (std::exchange(isPointerInContent_, false) && content_) content_->pointerExited();
+  if (!std::exchange(isPointerInContent_, false) || !content_) return;
+  content_->pointerExited();
+  traceToolTip();
 }
 
 void SimPanelWindow::requestFrame() {
@@ -139,6 +143,13 @@ void SimPanelWindow::drawFrame() {
   latestFrame_ = runLoop_.now();
   const auto frame = content_->prepareFrame(frameInterval);
   if (!frame.damage.isEmpty()) ++framesDrawn_;
+  traceToolTip();
+}
+
+void SimPanelWindow::traceToolTip() {
+  if (content_->toolTip() == toolTip_) return;
+  toolTip_ = content_->toolTip();
+  trace_.add(toolTip_.empty() ? "tooltip none" : "tooltip " + toolTip_);
 }
 
 }  // namespace valdrix::sim

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "platform/PanelWindow.h"
 #include "sim/ManualRunLoop.h"
@@ -50,6 +51,7 @@ class SimPanelWindow final : public platform::PanelWindow {
   void leaveContent();
   void requestFrame();
   void drawFrame();
+  void traceToolTip();
   [[nodiscard]] view::Point toContent(view::Point point) const;
 
   Trace& trace_;
@@ -62,6 +64,7 @@ class SimPanelWindow final : public platform::PanelWindow {
   bool ignoresMouseEvents_;
   bool isVisible_ = false;
   bool isPointerInContent_ = false;
+  std::string toolTip_;
   /// Under the pointer the tracked rectangle began or ended without motion.
   std::optional<view::Point> restingPointer_;
   std::uint64_t framesDrawn_ = 0;

@@ -8,10 +8,11 @@ namespace valdrix::sim {
 namespace {
 
 constexpr auto channelNames = std::to_array<std::string_view>({
-    "accessibility", "application", "audio",      "brightness",   "click",   "cursor",
-    "desktop",       "display",     "ease",       "expandedSize", "frames",  "haptic",
-    "level",         "picture",     "preference", "presentation", "screens", "spring",
-    "tap",           "timer",       "timers",     "window",
+    "access",  "accessibility", "application", "audio",   "brightness", "click",
+    "cursor",  "desktop",       "display",     "ease",    "events",     "expandedSize",
+    "frames",  "haptic",        "level",       "picture", "preference", "presentation",
+    "screens", "spring",        "tap",         "texts",   "timer",      "timers",
+    "tooltip", "window",        "workspace",
 });
 
 std::string_view channelOf(std::string_view text) { return text.substr(0, text.find(' ')); }

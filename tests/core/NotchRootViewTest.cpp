@@ -9,6 +9,7 @@
 #include "notch/NotchAnimations.h"
 #include "notch/NotchRootView.h"
 #include "notch/NotchShape.h"
+#include "sim/SimDesktop.h"
 #include "sim/SimTextMetrics.h"
 #include "view/HostingView.h"
 #include "view/Transaction.h"
@@ -25,18 +26,23 @@ using view::Size;
 constexpr double middle = 360;
 /// Text is laid out in a box that is this much wider than the text.
 constexpr double textSlack = 0.1;
-const Color probeColor{1, 0, 0, 1};
+/// Of the line between the clock and the rest of the expanded content.
+const Color dividerColor = Color::white(0.08);
 
 class NotchRoot : public testing::Test {
  protected:
-  /// Shows the panel for a notch of `size`, with a red strip as its expanded content.
+  /// Shows the panel for a notch of `size`.
   void show(Size size = {200, 32}) {
     hosting_ = std::make_unique<view::HostingView>(
         NotchRootView{.viewModel = &model,
-                      .calendarContent = view::fill(view::Rectangle{}, probeColor),
+                      .calendar = {.calendarService = &calendarService_,
+                                   .workspace = &desktop_.workspace,
+                                   .cursor = &desktop_.cursor},
                       .collapsedSize = size},
         view::HostingView::Services{
-            .textMetrics = metrics_, .now = [this] { return now; }, .scheduleRepeatingTimer = {}});
+            .textMetrics = metrics_,
+            .now = [this] { return now; },
+            .scheduleRepeatingTimer = [](double, const auto&) { return Token([] {}); }});
     hosting_->setFrame({0, 0, 720, 1000});
     // Fine enough that nothing is moved to a whole pixel.
     hosting_->setScale(1e6);
@@ -77,6 +83,13 @@ class NotchRoot : public testing::Test {
   double now = 0;
 
  private:
+  sim::SimDesktop desktop_;
+  CalendarService calendarService_{{.eventStore = desktop_.eventStore,
+                                    .collator = desktop_.collator,
+                                    .userCalendar = desktop_.userCalendar,
+                                    .runLoop = desktop_.runLoop,
+                                    .userDefaults = desktop_.userDefaults,
+                                    .workspace = desktop_.workspace}};
   sim::SimTextMetrics metrics_;
   std::unique_ptr<view::HostingView> hosting_;
 };
@@ -150,20 +163,25 @@ TEST_F(NotchRoot, OnlyTheShownLayerIsDrawn) {
   show();
   EXPECT_EQ(drawn().size(), 2U) << "collapsed: nothing but the housing and the black panel";
   model.isExpanded = true;
-  EXPECT_EQ(drawnIn(probeColor).size(), 1U);
-  EXPECT_TRUE(std::ranges::none_of(
-      drawn(), [](const auto& item) { return item.kind == DisplayItem::Kind::text; }));
+  EXPECT_EQ(drawnIn(dividerColor).size(), 1U);
+  EXPECT_TRUE(
+      std::ranges::none_of(drawn(), [](const auto& item) { return item.text.ends_with('%'); }));
   model.isExpanded = false;
   model.isVolumeHUDVisible = true;
-  EXPECT_TRUE(drawnIn(probeColor).empty());
+  EXPECT_TRUE(drawnIn(dividerColor).empty());
   EXPECT_EQ(textItem().text, "0%");
 }
 
 TEST_F(NotchRoot, ExpandedContentIsInsetAndOutlined) {
   model.isExpanded = true;
   show({184, 37});
-  const Rect content = boxOf(probeColor);
-  expectNear(content, {middle - 268, 37 + 32, 536, content.height});
+  const Rect clock = textItem().bounds;
+  EXPECT_NEAR(clock.x, middle - 268, 1e-3);
+  EXPECT_NEAR(clock.y, 37 + 32, 1e-3);
+  // Clock, divider and the rest share one top edge and stand 18 apart.
+  const Rect divider = boxOf(dividerColor);
+  EXPECT_NEAR(divider.y, clock.y, 1e-3);
+  EXPECT_NEAR(divider.width, 1, 1e-3);
   const auto& outline = drawn().back();
   EXPECT_EQ(outline.kind, DisplayItem::Kind::stroke);
   EXPECT_EQ(outline.color, Color::white(0.06));

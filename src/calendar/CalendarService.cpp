@@ -1,0 +1,128 @@
+#include "calendar/CalendarService.h"
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "preferences/HiddenCalendars.h"
+#include "preferences/PreferenceKeys.h"
+
+namespace valdrix {
+
+using platform::Event;
+using platform::EventAuthorization;
+using platform::EventCalendar;
+using platform::Instant;
+
+namespace {
+
+constexpr double refreshInterval = 60;
+constexpr std::string_view privacySettings =
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_Calendars";
+
+/// By start, then by title, whose UTF-8 compares by code point; no title counts as an empty one.
+bool startsBefore(const Event& a, const Event& b) {
+  if (a.startDate != b.startDate) return a.startDate < b.startDate;
+  return a.title.value_or("") < b.title.value_or("");
+}
+
+}  // namespace
+
+CalendarService::CalendarService(const Ports& ports)
+    : ports_(ports), authStatus_(ports.eventStore.authorizationStatus()) {
+  changeObserver_ = ports_.eventStore.observeChanges(lifetime_.weak([this] { reloadEvents(); }));
+  userCalendarObserver_ =
+      ports_.userCalendar.observeChanges(lifetime_.weak([this] { userCalendarChanged(); }));
+  if (authStatus_ != EventAuthorization::fullAccess) return;
+  reloadEvents();
+  startRefreshTimer();
+}
+
+CalendarService::~CalendarService() {
+  refreshTimer_.reset();
+  changeObserver_.reset();
+  userCalendarObserver_.reset();
+}
+
+const platform::UserCalendar& CalendarService::userCalendar() const {
+  (void)userCalendarChanges_.get();
+  return ports_.userCalendar;
+}
+
+void CalendarService::requestAccess() {
+  // The answer may come on any thread.
+  ports_.eventStore.requestFullAccessToEvents(
+      [&runLoop = ports_.runLoop, proceed = lifetime_.weak([this] { accessAnswered(); })](bool) {
+        runLoop.async(proceed);
+      });
+}
+
+void CalendarService::accessAnswered() {
+  authStatus_ = ports_.eventStore.authorizationStatus();
+  if (authStatus_ != EventAuthorization::fullAccess) return;
+  reloadEvents();
+  startRefreshTimer();
+}
+
+void CalendarService::userCalendarChanged() {
+  reloadEvents();
+  userCalendarChanges_ = userCalendarChanges_ + 1;
+}
+
+void CalendarService::startRefreshTimer() {
+  refreshTimer_.reset();
+  refreshTimer_ = ports_.runLoop.scheduleTimer(refreshInterval, true,
+                                               lifetime_.weak([this] { reloadEvents(); }));
+}
+
+std::vector<std::string> CalendarService::shownCalendarIdentifiers() const {
+  const auto hidden = HiddenCalendars::parse(
+      ports_.userDefaults.stringForKey(preferenceKeys::hiddenCalendarIDs).value_or(""));
+  std::vector<std::string> shown;
+  for (auto& calendar : ports_.eventStore.calendars())
+    if (!hidden.contains(calendar.calendarIdentifier))
+      shown.push_back(std::move(calendar.calendarIdentifier));
+  return shown;
+}
+
+std::optional<Instant> CalendarService::windowEnd(Instant now) const {
+  const auto& calendar = ports_.userCalendar;
+  const auto days = std::max<std::int64_t>(
+      1, ports_.userDefaults.integerForKey(preferenceKeys::calendarWindowDays));
+  const auto end = calendar.addDays(calendar.startOfDay(now), days);
+  // A day that does not begin at midnight, counted on from, would make all others begin late.
+  return end ? std::optional(calendar.startOfDay(*end)) : std::nullopt;
+}
+
+void CalendarService::reloadEvents() {
+  if (authStatus_ != EventAuthorization::fullAccess) {
+    events_ = std::vector<Event>();
+    return;
+  }
+  const Instant now = ports_.userCalendar.now();
+  const auto end = windowEnd(now);
+  if (!end) return;
+  auto events = ports_.eventStore.events(now, *end, shownCalendarIdentifiers());
+  std::stable_sort(events.begin(), events.end(), startsBefore);
+  const auto most = static_cast<std::uint64_t>(std::max<std::int64_t>(
+      1, ports_.userDefaults.integerForKey(preferenceKeys::calendarMaxEvents)));
+  if (events.size() > most) events.resize(most);
+  events_ = std::move(events);
+}
+
+std::vector<EventCalendar> CalendarService::availableCalendars() const {
+  if (authStatus_ != EventAuthorization::fullAccess) return {};
+  auto calendars = ports_.eventStore.calendars();
+  std::stable_sort(calendars.begin(), calendars.end(),
+                   [this](const EventCalendar& a, const EventCalendar& b) {
+                     return ports_.collator.compareIgnoringCase(a.title, b.title) < 0;
+                   });
+  return calendars;
+}
+
+void CalendarService::openCalendarPrivacySettings() const {
+  ports_.workspace.open(privacySettings);
+}
+
+}  // namespace valdrix
