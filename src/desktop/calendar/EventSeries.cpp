@@ -40,6 +40,7 @@ std::optional<Instant> nextByRule(const OccurrencePlan& plan, const RecurrenceRu
                                   WallTime firstStart, Instant after, WorkBudget& budget) {
   const WallTime from = plan.startsBetween(after, after).from;
   const WallTime to = std::max(from, firstStart) + horizonOf(rule);
+  constexpr auto longestGap = 24h;
   std::optional<Instant> next;
   const WalkEnd end =
       plan.visitRule(rule, {.from = from, .to = to}, budget, [&](const Occurrence& occurrence) {
