@@ -67,6 +67,5 @@ void HostingView::pointerReleased(Point point) {
 }
 
 const std::string& HostingView::toolTip() const { return graph_->toolTip(); }
-bool HostingView::showsLinkPointer() const { return graph_->showsLinkPointer(); }
 
 }  // namespace valdrix::view

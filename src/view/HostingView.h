@@ -82,8 +82,6 @@ class HostingView {
   void pointerReleased(Point point);
   /// What the view under the pointer explains itself with; empty for nothing.
   [[nodiscard]] const std::string& toolTip() const;
-  /// Whether the view under the pointer asks for the pointing hand.
-  [[nodiscard]] bool showsLinkPointer() const;
 
  private:
   std::unique_ptr<ViewGraph> graph_;

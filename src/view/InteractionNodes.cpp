@@ -76,36 +76,31 @@ class HitTestingNode final : public NodeFor<HitTestingNode, WrapperNode, HitTest
   HitTestingElement::Rule rule_ = HitTestingElement::Rule::asContent;
 };
 
-class PointerHintNode;
+class HelpNode;
 
-/// What the pointer looks like over a view, and what the view says of itself.
-class PointerHintElement final : public ElementFor<PointerHintNode> {
+/// What a view says of itself.
+class HelpElement final : public ElementFor<HelpNode> {
  public:
-  PointerHintElement(View view, std::string help, bool showsLink)
-      : content(std::move(view)), toolTip(std::move(help)), isLink(showsLink) {}
+  HelpElement(View view, std::string help) : content(std::move(view)), toolTip(std::move(help)) {}
   View content;
   std::string toolTip;
-  bool isLink;
 };
 
-class PointerHintNode final : public NodeFor<PointerHintNode, WrapperNode, PointerHintElement> {
+class HelpNode final : public NodeFor<HelpNode, WrapperNode, HelpElement> {
  public:
   using NodeFor::NodeFor;
-  void apply(const PointerHintElement& element) {
+  void apply(const HelpElement& element) {
     toolTip_ = element.toolTip;
-    isLink_ = element.isLink;
     updateChild(element.content);
   }
   bool hitTest(Point point, HitPath& path) override {
     if (!child_->hitTest(point, path)) return false;
     if (path.toolTip.empty()) path.toolTip = toolTip_;
-    path.isLink = path.isLink || isLink_;
     return true;
   }
 
  private:
   std::string toolTip_;
-  bool isLink_ = false;
 };
 
 }  // namespace
@@ -125,11 +120,7 @@ View View::onHover(std::function<void(bool)> action) const {
 }
 
 View View::help(std::string toolTip) const {
-  return View(std::make_shared<PointerHintElement>(*this, std::move(toolTip), false));
-}
-
-View View::linkPointer() const {
-  return View(std::make_shared<PointerHintElement>(*this, std::string(), true));
+  return View(std::make_shared<HelpElement>(*this, std::move(toolTip)));
 }
 
 View button(std::function<void()> action, View label) {

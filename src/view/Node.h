@@ -36,7 +36,6 @@ struct HitPath {
   std::vector<HoverNode*> hovers;
   ButtonNode* button = nullptr;
   std::string toolTip;
-  bool isLink = false;
 };
 
 /// What drawing inherits from the nodes around.

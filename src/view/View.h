@@ -87,8 +87,6 @@ class View {
   [[nodiscard]] View onHover(std::function<void(bool isInside)> action) const;
   /// Explains the view under a resting pointer; empty for nothing.
   [[nodiscard]] View help(std::string toolTip) const;
-  /// Shows the pointing hand over this view.
-  [[nodiscard]] View linkPointer() const;
 
   /// Tells this view from its siblings when their order or number changes.
   [[nodiscard]] View id(std::string identity) const;

@@ -127,7 +127,6 @@ void ViewGraph::updateHover() {
   if (pointer_ && root_) root_->hitTest(*pointer_, path);
   button_ = path.button;
   toolTip_ = std::move(path.toolTip);
-  showsLink_ = path.isLink;
   sign_.update(toolTip_, pointer_);
   const auto former = std::exchange(hovered_, path.hovers);
   // Actions run after both lists stand, since they may change the tree.

@@ -70,7 +70,6 @@ class ViewGraph {
   [[nodiscard]] bool needsFrame() const { return needsFrame_; }
   [[nodiscard]] const DisplayList& displayList() const { return list_; }
   [[nodiscard]] const std::string& toolTip() const { return toolTip_; }
-  [[nodiscard]] bool showsLinkPointer() const { return showsLink_; }
 
  private:
   void updateComponents();
@@ -98,7 +97,6 @@ class ViewGraph {
   ButtonNode* button_ = nullptr;
   ButtonNode* pressed_ = nullptr;
   std::string toolTip_;
-  bool showsLink_ = false;
   ToolTip sign_{services_, [this] { requestFrame(); }};
 
   std::unique_ptr<Node> root_;

@@ -40,8 +40,8 @@ Token X11Cursor::observeChanges(std::function<void()> block) {
   return observers_.add(std::move(block));
 }
 
-xcb_cursor_t X11Cursor::shape(bool isPointingHand) {
-  if (!isPointingHand || !connection_.isUsable()) return XCB_CURSOR_NONE;
+xcb_cursor_t X11Cursor::shape() {
+  if (!isPointingHand() || !connection_.isUsable()) return XCB_CURSOR_NONE;
   if (!hand_) hand_ = loadHand(connection_);
   return hand_;
 }

@@ -20,8 +20,8 @@ class X11Cursor final : public platform::Cursor {
 
   [[nodiscard]] bool isPointingHand() const { return pushes_ > 0; }
   [[nodiscard]] Token observeChanges(std::function<void()> block);
-  /// The hand, or the cursor of whatever lies around for none.
-  [[nodiscard]] xcb_cursor_t shape(bool isPointingHand);
+  /// The hand while one is asked for, else none, which means that of whatever lies around.
+  [[nodiscard]] xcb_cursor_t shape();
 
  private:
   X11Connection& connection_;

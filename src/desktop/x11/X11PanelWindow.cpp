@@ -316,7 +316,6 @@ void X11PanelWindow::pointerMoved(QPoint position, bool isInside) {
   } else {
     leaveContent();
   }
-  updateCursor();
 }
 
 void X11PanelWindow::pointerPressed(QPoint position, bool isPressed) {
@@ -332,8 +331,7 @@ void X11PanelWindow::leaveContent() {
 }
 
 void X11PanelWindow::updateCursor() {
-  const bool isLink = content_ && isPointerInContent_ && content_->showsLinkPointer();
-  inputRegion_.setCursor(services_.cursor.shape(isLink || services_.cursor.isPointingHand()));
+  inputRegion_.setCursor(services_.cursor.shape());
 }
 
 }  // namespace valdrix::desktop
