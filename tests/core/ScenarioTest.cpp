@@ -55,6 +55,12 @@ TEST(Scenario, NamesTheLineThatMakesNoSense) {
       {"pointer 1", 1},
       {"key mute repeat 0", 1},
       {"laptop\nlaunch\npicture ../a.png", 3},
+      {"date 2026-02-29 09:00", 1},
+      {"zone +01:00 then +02:00 since 2026-03-29 01:00 then +01:00 since 2026-03-29 01:00", 1},
+      {"calendar add home color ff95", 1},
+      {"event add a home today 10:00 until 11:00", 1},
+      {"calendar add home\nevent add a home today 10:00 until 09:00", 2},
+      {"request-access granted", 1},
   };
   for (const auto& row : rows) EXPECT_EQ(failingLine(row.text), row.line) << row.text;
 }
@@ -64,7 +70,9 @@ TEST(Trace, HasADocumentedChannelForEveryLine) {
   player.play(Scenario::parse(
       "laptop\ntrust refused\nlaunch\ntrust granted\nat 3\npress volume-up\npress brightness-up\n"
       "press code 9\nat 5 pointer 756 970\nclick\nreport timers\nreport frames\npicture a.png\n"
-      "tap timeout\nscreen remove eDP-1\nquit"));
+      "tap timeout\nscreen remove eDP-1\ncalendar add home\n"
+      "event add a home tomorrow all-day\nrequest-access granted\nat 6 screen add X 0 0 800 600\n"
+      "pointer 400 590\nat 7 pointer 500 500\nreport texts\nclick\nquit"));
   for (const auto& line : player.desktop().trace.lines())
     EXPECT_TRUE(isTraceChannel(line.text.substr(0, line.text.find(' ')))) << line.text;
 }
