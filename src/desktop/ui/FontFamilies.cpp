@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QFontDatabase>
+#include <QRawFont>
 #include <QStringList>
 
 namespace valdrix::desktop {
@@ -39,26 +40,39 @@ Cut roundedCut(view::FontWeight weight) {
   return {{"Quicksand"}, QFont::Bold};
 }
 
-QFont::Weight qtWeight(view::FontWeight weight) {
+// Qt has FreeType thicken the stems of CFF outlines and then blends them in a way that makes light
+// text grow: on black, each cut looks like the next heavier one. Other outlines are left as they
+// are drawn.
+bool looksHeavier() {
+  static const bool isThickened = [] {
+    QFont font;
+    font.setFamilies(standardFamilies());
+    return !QRawFont::fromFont(font).fontTable("CFF ").isEmpty();
+  }();
+  return isThickened;
+}
+
+QFont::Weight standardWeight(view::FontWeight weight) {
+  const bool isLighter = looksHeavier();
   switch (weight) {
     case view::FontWeight::light:
-      return QFont::Light;
+      return isLighter ? QFont::ExtraLight : QFont::Light;
     case view::FontWeight::regular:
-      return QFont::Normal;
+      return isLighter ? QFont::Light : QFont::Normal;
     case view::FontWeight::medium:
-      return QFont::Medium;
+      return isLighter ? QFont::Normal : QFont::Medium;
     case view::FontWeight::semibold:
-      return QFont::DemiBold;
+      return isLighter ? QFont::Medium : QFont::DemiBold;
     case view::FontWeight::bold:
-      return QFont::Bold;
+      break;
   }
-  return QFont::Normal;
+  return isLighter ? QFont::DemiBold : QFont::Bold;
 }
 
 }  // namespace
 
 QFont FontFamilies::font(const view::Font& font) {
-  Cut cut{standardFamilies(), qtWeight(font.weight)};
+  Cut cut{standardFamilies(), standardWeight(font.weight)};
   if (font.design == view::FontDesign::rounded && QFontDatabase::hasFamily("Quicksand")) {
     cut = roundedCut(font.weight);
     cut.families += standardFamilies();
