@@ -24,7 +24,7 @@ constexpr double cornerRadius = 6;
 constexpr double outlineWidth = 0.5;
 constexpr double outlineOpacity = 0.2;
 constexpr double textOpacity = 0.9;
-constexpr Color background{0.15, 0.15, 0.16, 0.97};
+constexpr Color background{0.15, 0.15, 0.16};
 
 /// From the pointer's tip to the sign, clear of the pointer's own picture.
 constexpr Size pointerGap{4, 20};
