@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <string>
-#include <tuple>
 #include <utility>
 
 #include "preferences/HiddenCalendars.h"
@@ -37,12 +36,6 @@ CalendarService::CalendarService(const Ports& ports)
   if (authStatus_ != EventAuthorization::fullAccess) return;
   reloadEvents();
   startRefreshTimer();
-}
-
-CalendarService::~CalendarService() {
-  refreshTimer_.reset();
-  changeObserver_.reset();
-  userCalendarObserver_.reset();
 }
 
 const platform::UserCalendar& CalendarService::userCalendar() const {

@@ -31,7 +31,6 @@ class CalendarService {
 
   /// Reads the status, without asking the user, and the events if it may.
   explicit CalendarService(const Ports& ports);
-  ~CalendarService();
   CalendarService(const CalendarService&) = delete;
   CalendarService& operator=(const CalendarService&) = delete;
 

@@ -1,6 +1,6 @@
 #include "calendar/EventRow.h"
 
-#include <utility>
+#include <algorithm>
 
 #include "calendar/FrenchLocale.h"
 #include "view/Transaction.h"
@@ -35,6 +35,10 @@ constexpr Color standardBlue{10 / 255.0, 132 / 255.0, 1};
 constexpr std::string_view eventLink = "ical://ekevent/";
 constexpr std::string_view dayLink = "ical://date/";
 
+std::string shownTitle(const platform::Event& event) {
+  return event.title.value_or("").empty() ? "(sans titre)" : *event.title;
+}
+
 Color barColor(const platform::Event& event) {
   const auto color = event.calendar ? event.calendar->color : std::nullopt;
   return color.value_or(standardBlue);
@@ -52,11 +56,11 @@ View highlight(bool isShown) {
 
 /// Year, month and day without separators: "20261118".
 std::string compactDate(const platform::DateFields& fields) {
-  const auto padded = [](std::string digits, std::size_t length) {
+  const auto padded = [](std::int64_t number, std::size_t length) {
+    const auto digits = std::to_string(number);
     return std::string(length - std::min(length, digits.size()), '0') + digits;
   };
-  return padded(std::to_string(fields.year), 4) + padded(std::to_string(fields.month), 2) +
-         padded(std::to_string(fields.day), 2);
+  return padded(fields.year, 4) + padded(fields.month, 2) + padded(fields.day, 2);
 }
 
 }  // namespace
@@ -97,7 +101,7 @@ View EventRow::label() const {
               .frame(barSize),
           view::text(timeText(event, calendar), timeStyle, Color::white(timeOpacity))
               .frame(view::FrameLimits{.minWidth = minTimeWidth, .alignment = Alignment::leading}),
-          view::text(event.title.value_or("(sans titre)"), titleStyle, Color::white()),
+          view::text(shownTitle(event), titleStyle, Color::white()),
           view::spacer(),
       });
 }
