@@ -17,6 +17,7 @@ struct Execute {
 
   int operator()(const Run&) const { return runAgent(argc, argv); }
   int operator()(const Status&) const { return printStatus(argc, argv); }
+  int operator()(const Access&) const { return requestCalendarAccess(argc, argv); }
   int operator()(const Quit&) const { return quitAgent(argc, argv); }
   int operator()(const Simulate& command) const { return simulateScenario(command, argc, argv); }
   int operator()(const ShowVersion&) const {

@@ -53,6 +53,7 @@ Command parse(const Words& words) {
   if (words.size() > 1) return Misuse{"argument en trop : " + words[1]};
   if (verb == "status") return Status{};
   if (verb == "quit") return Quit{};
+  if (verb == "access") return Access{};
   if (verb == "--version") return ShowVersion{};
   if (verb == "--help" || verb == "-h") return ShowHelp{};
   return Misuse{"commande inconnue : " + verb};
@@ -64,6 +65,7 @@ std::string usage() {
          "Sans commande, lance valdrix, ou passe la main à celui qui tourne déjà.\n"
          "\n"
          "  status              affiche en JSON l'état du valdrix qui tourne\n"
+         "  access              fait demander par le valdrix qui tourne l'accès aux calendriers\n"
          "  quit                arrête le valdrix qui tourne\n"
          "  simulate FICHIER    joue un scénario sur le bureau simulé\n"
          "      --frames DOSSIER  y écrit les images que le scénario demande\n"

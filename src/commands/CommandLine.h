@@ -12,6 +12,8 @@ struct Run {};
 struct Status {};
 /// Ends the running agent.
 struct Quit {};
+/// Has the running agent ask the user for access to the calendars.
+struct Access {};
 /// Plays a scenario on the simulated desktop.
 struct Simulate {
   std::string file;
@@ -27,7 +29,7 @@ struct Misuse {
   std::string reason;
 };
 
-using Command = std::variant<Run, Status, Quit, Simulate, ShowVersion, ShowHelp, Misuse>;
+using Command = std::variant<Run, Status, Quit, Access, Simulate, ShowVersion, ShowHelp, Misuse>;
 
 /// What the words after the program's name ask for.
 [[nodiscard]] Command parse(const std::vector<std::string>& words);

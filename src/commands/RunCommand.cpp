@@ -1,13 +1,17 @@
 #include "commands/RunCommand.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
+#include <QApplication>
 #include <QCoreApplication>
-#include <QGuiApplication>
 
 #include "app/ValdrixApp.h"
+#include "commands/CalendarAccess.h"
 #include "commands/StatusReport.h"
 #include "desktop/DesktopPlatform.h"
 #include "desktop/session/AgentClient.h"
@@ -54,6 +58,12 @@ class Agent {
   [[nodiscard]] desktop::SingleInstance::Handlers handlers() {
     return {
         .status = [this] { return app_ ? statusReport(app_->appDelegate(), *platform_) : "{}"; },
+        .requestCalendarAccess =
+            [this] {
+              return app_ ? requestCalendarAccess(app_->appDelegate().calendarService(),
+                                                  platform_->ports().eventStore)
+                          : "";
+            },
         .quit = [] { QCoreApplication::quit(); },
         // There is nothing yet that a second start could bring forward.
         .activate = [] {},
@@ -67,6 +77,22 @@ class Agent {
   desktop::SingleInstance instance_;
 };
 
+/// The program's arguments, with Qt's own one for an X server where that is to be used. The
+/// environment would say it to every program that this one starts, too.
+struct PlatformArguments {
+  PlatformArguments(int argc, char** argv, bool choosesX11)
+      : values(argv, argv + std::min(argc, 1)) {
+    if (choosesX11) values.insert(values.end(), {option.data(), name.data()});
+    count = static_cast<int>(values.size());
+    values.push_back(nullptr);
+  }
+
+  std::string option = "-platform";
+  std::string name = "xcb";
+  std::vector<char*> values;
+  int count = 0;
+};
+
 int print(const desktop::AgentClient::Answer& answer) {
   std::fprintf(answer.exitCode == 0 ? stdout : stderr, "%s\n", answer.text.c_str());
   return answer.exitCode;
@@ -75,13 +101,15 @@ int print(const desktop::AgentClient::Answer& answer) {
 }  // namespace
 
 int runAgent(int& argc, char** argv) {
-  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
+  const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
   // Qt ends the process with an abort and a page of text when it finds no display.
-  if (qgetenv("QT_QPA_PLATFORM") == "xcb" && !desktop::canConnectToX11Display())
+  const bool needsX11 = chosen.isEmpty() || chosen == "xcb";
+  if (needsX11 && !desktop::canConnectToX11Display())
     return fail("aucun serveur X ne répond sur ce bureau");
+  PlatformArguments arguments(argc, argv, chosen.isEmpty());
   desktop::TerminationSignals signals;
-  QGuiApplication::setDesktopFileName("valdrix");
-  const QGuiApplication application(argc, argv);
+  QApplication::setDesktopFileName("valdrix");
+  const QApplication application(arguments.count, arguments.values.data());
   signals.watch([] { QCoreApplication::quit(); });
   return Agent().run();
 }
@@ -91,6 +119,13 @@ int printStatus(int& argc, char** argv) {
   desktop::QtRunLoop runLoop;
   desktop::SessionBus bus(runLoop);
   return print(desktop::AgentClient(bus).status());
+}
+
+int requestCalendarAccess(int& argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  desktop::QtRunLoop runLoop;
+  desktop::SessionBus bus(runLoop);
+  return print(desktop::AgentClient(bus).requestCalendarAccess());
 }
 
 int quitAgent(int& argc, char** argv) {

@@ -10,6 +10,10 @@ int runAgent(int& argc, char** argv);
 /// Prints the running agent's state; 1 when none runs.
 int printStatus(int& argc, char** argv);
 
+/// Has the running agent ask the user for access to the calendars, and prints what comes of it; 1
+/// when none runs.
+int requestCalendarAccess(int& argc, char** argv);
+
 /// Ends the running agent; 1 when none runs.
 int quitAgent(int& argc, char** argv);
 

@@ -1,5 +1,9 @@
 #include "commands/StatusReport.h"
 
+#include <optional>
+#include <string>
+
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -38,6 +42,53 @@ QJsonObject notchObject(const NotchViewModel& model) {
           {"brightnessLevel", model.brightnessLevel.get()}};
 }
 
+QString name(platform::EventAuthorization status) {
+  switch (status) {
+    case platform::EventAuthorization::restricted:
+      return "restricted";
+    case platform::EventAuthorization::denied:
+      return "denied";
+    case platform::EventAuthorization::fullAccess:
+      return "fullAccess";
+    case platform::EventAuthorization::writeOnly:
+      return "writeOnly";
+    case platform::EventAuthorization::notDetermined:
+      break;
+  }
+  return "notDetermined";
+}
+
+QJsonValue optionalText(const std::optional<std::string>& text) {
+  return text ? QJsonValue(QString::fromStdString(*text)) : QJsonValue();
+}
+
+QString isoText(platform::Instant instant) {
+  return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count(), Qt::UTC)
+      .toString(Qt::ISODate);
+}
+
+QJsonObject calendarObject(const CalendarService& service) {
+  QJsonArray events;
+  for (const auto& event : service.events())
+    events.append(QJsonObject{
+        {"title", optionalText(event.title)},
+        {"start", isoText(event.startDate)},
+        {"end", isoText(event.endDate)},
+        {"isAllDay", event.isAllDay},
+        {"calendar", event.calendar ? QString::fromStdString(event.calendar->title) : QString()},
+    });
+  QJsonArray calendars;
+  for (const auto& calendar : service.availableCalendars())
+    calendars.append(
+        QJsonObject{{"identifier", QString::fromStdString(calendar.calendarIdentifier)},
+                    {"title", QString::fromStdString(calendar.title)},
+                    {"account", optionalText(calendar.sourceTitle)}});
+  return {{"authStatus", static_cast<int>(service.authStatus())},
+          {"authStatusName", name(service.authStatus())},
+          {"events", events},
+          {"calendars", calendars}};
+}
+
 QJsonArray screensArray(const platform::Screens& screens) {
   const auto chosen = panelScreen(screens);
   QJsonArray array;
@@ -71,6 +122,7 @@ std::string statusReport(const AppDelegate& app, const desktop::DesktopPlatform&
       {"brightness",
        QJsonObject{{"isAvailable", brightness.isAvailable()}, {"level", brightness.level()}}},
       {"mediaKeys", keys},
+      {"calendar", calendarObject(app.calendarService())},
       {"screens", screensArray(platform.ports().screens)},
       {"hasWindow", app.hasWindow()},
       {"framesDrawn", static_cast<qint64>(platform.windowSystem().framesDrawn())},

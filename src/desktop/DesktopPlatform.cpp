@@ -7,6 +7,10 @@
 #include <QByteArray>
 
 #include "desktop/X11WindowSystem.h"
+#ifdef VALDRIX_CALENDAR_SERVER
+#include "desktop/calendar/CalendarServerSource.h"
+#endif
+#include "desktop/calendar/VdirSource.h"
 
 namespace valdrix::desktop {
 
@@ -23,6 +27,30 @@ std::unique_ptr<WindowSystem> makeWindowSystem(platform::RunLoop& runLoop,
 std::filesystem::path sysfsRoot() {
   const QByteArray root = qgetenv("VALDRIX_SYSFS");
   return root.isEmpty() ? "/sys" : root.toStdString();
+}
+
+DesktopEventStore::Sources calendarSources(platform::RunLoop& runLoop, SessionBus& bus,
+                                           QtUserCalendar& userCalendar) {
+  DesktopEventStore::Sources sources;
+  sources.push_back(std::make_unique<VdirSource>(runLoop, userCalendar));
+#ifdef VALDRIX_CALENDAR_SERVER
+  sources.push_back(std::make_unique<CalendarServerSource>(bus, runLoop, userCalendar));
+#else
+  (void)bus;
+#endif
+  return sources;
+}
+
+std::optional<DesktopWorkspace::EventPlace> findEvent(const DesktopEventStore& store,
+                                                      const QtUserCalendar& userCalendar,
+                                                      std::string_view identifier) {
+  const auto event = store.occurrenceNear(identifier, userCalendar.now());
+  if (!event) return std::nullopt;
+  const auto date = userCalendar.fields(event->startDate);
+  return DesktopWorkspace::EventPlace{
+      .day = QDate(static_cast<int>(date.year), static_cast<int>(date.month),
+                   static_cast<int>(date.day)),
+      .calendarIdentifier = event->calendar ? event->calendar->calendarIdentifier : std::string()};
 }
 
 }  // namespace
@@ -46,7 +74,11 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       audioHardware_(runLoop),
       displays_(sysfsRoot()),
       displayServices_(displays_),
-      eventStore_({}),
+      eventStore_(calendarSources(runLoop, bus, userCalendar_), privacyRecord_, accessDialog_),
+      workspace_(bus, {.findEvent =
+                           [this](std::string_view identifier) {
+                             return findEvent(eventStore_, userCalendar_, identifier);
+                           }}),
       windowSystem_(
           windowSystem.make(runLoop, textMetrics_,
                             [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
@@ -80,6 +112,13 @@ QJsonObject DesktopPlatform::backends() const {
   backends["displays"] = "sysfs";
   backends["displayServices"] = "backlight";
   backends["textMetrics"] = "qt";
+  backends["userCalendar"] = "qt";
+#ifdef VALDRIX_CALENDAR_SERVER
+  backends["eventStore"] = "vdir, evolution-data-server";
+#else
+  backends["eventStore"] = "vdir";
+#endif
+  backends["workspace"] = "xdg";
   return backends;
 }
 

@@ -8,6 +8,7 @@
 
 #include "desktop/WindowSystem.h"
 #include "desktop/audio/PulseAudioHardware.h"
+#include "desktop/calendar/AccessDialog.h"
 #include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
@@ -15,6 +16,7 @@
 #include "desktop/session/DesktopWorkspace.h"
 #include "desktop/session/FeedbackHaptics.h"
 #include "desktop/session/IniUserDefaults.h"
+#include "desktop/session/PrivacyRecord.h"
 #include "desktop/session/QtApplication.h"
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/session/QtUserCalendar.h"
@@ -26,7 +28,7 @@
 namespace valdrix::desktop {
 
 /// The ports of the desktop that this process runs on, each served by the first backend that
-/// applies. Needs a QGuiApplication; main thread only.
+/// applies. Needs a QApplication; main thread only.
 class DesktopPlatform {
  public:
   /// The platform of this desktop; null when there is no window system that valdrix can serve.
@@ -62,6 +64,8 @@ class DesktopPlatform {
   BacklightDisplays displays_;
   BacklightDisplayServices displayServices_;
   QtUserCalendar userCalendar_;
+  PrivacyRecord privacyRecord_;
+  AccessDialog accessDialog_;
   DesktopEventStore eventStore_;
   QtCollator collator_;
   DesktopWorkspace workspace_;

@@ -41,6 +41,7 @@ struct Agent {
   int activations = 0;
   SingleInstance instance{bus,
                           {.status = [] { return std::string("{\"é\": 1}"); },
+                           .requestCalendarAccess = [] { return std::string(); },
                            .quit = [this] { ++quits; },
                            .activate = [this] { ++activations; }}};
 };

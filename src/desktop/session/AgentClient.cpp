@@ -32,6 +32,8 @@ const char* explanation(const QDBusError& error) {
 
 AgentClient::Answer AgentClient::status() { return ask("Status"); }
 
+AgentClient::Answer AgentClient::requestCalendarAccess() { return ask("RequestCalendarAccess"); }
+
 AgentClient::Answer AgentClient::quit() { return ask("Quit"); }
 
 AgentClient::Answer AgentClient::ask(const char* method) {

@@ -21,6 +21,8 @@ class AgentClient {
 
   /// The agent's observable state.
   [[nodiscard]] Answer status();
+  /// Has the agent ask the user for access to the calendars, unless that is settled.
+  [[nodiscard]] Answer requestCalendarAccess();
   /// Asks the agent to end.
   [[nodiscard]] Answer quit();
 

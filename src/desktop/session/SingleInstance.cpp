@@ -65,6 +65,8 @@ QString SingleInstance::introspect(const QString&) const {
   return QStringLiteral(
              "<interface name=\"%1\">"
              "<method name=\"Status\"><arg name=\"json\" type=\"s\" direction=\"out\"/></method>"
+             "<method name=\"RequestCalendarAccess\">"
+             "<arg name=\"text\" type=\"s\" direction=\"out\"/></method>"
              "<method name=\"Quit\"/><method name=\"Activate\"/></interface>")
       .arg(AgentNames::interface);
 }
@@ -75,6 +77,9 @@ bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConne
   if (!isForUs || !message.signature().isEmpty()) return false;
   if (message.member() == "Status") {
     connection.send(message.createReply(QString::fromStdString(handlers_.status())));
+  } else if (message.member() == "RequestCalendarAccess") {
+    const auto text = handlers_.requestCalendarAccess();
+    connection.send(message.createReply(QString::fromStdString(text)));
   } else if (message.member() == "Quit") {
     connection.send(message.createReply());
     handlers_.quit();

@@ -10,7 +10,8 @@
 namespace valdrix::desktop {
 
 /// The running agent's name and voice on the session bus: object /org/valdrix/Agent of the service
-/// org.valdrix.Agent answers Status, Quit and Activate of the interface org.valdrix.Agent1. A
+/// org.valdrix.Agent answers Status, RequestCalendarAccess, Quit
+/// and Activate of the interface org.valdrix.Agent1. A
 /// second start finds the name taken and hands over to the first. Without a bus the agent is alone
 /// and mute until there is one.
 class SingleInstance final : private QDBusVirtualObject {
@@ -18,6 +19,8 @@ class SingleInstance final : private QDBusVirtualObject {
   struct Handlers {
     /// The agent's state, as it is to be printed.
     std::function<std::string()> status;
+    /// Asks the user for access to the calendars and says at once, for the user, whether it does.
+    std::function<std::string()> requestCalendarAccess;
     std::function<void()> quit;
     /// A second start asked this one to show that it runs.
     std::function<void()> activate;

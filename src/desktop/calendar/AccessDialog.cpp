@@ -1,0 +1,49 @@
+#include "desktop/calendar/AccessDialog.h"
+
+#include <utility>
+
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace valdrix::desktop {
+
+AccessDialog::AccessDialog() = default;
+AccessDialog::~AccessDialog() = default;
+
+void AccessDialog::ask(std::function<void(Answer)> onAnswer) {
+  onAnswer_ = std::move(onAnswer);
+  if (!box_) show();
+  box_->raise();
+  box_->activateWindow();
+}
+
+void AccessDialog::show() {
+  box_ = std::make_unique<QMessageBox>();
+  box_->setWindowTitle("valdrix");
+  box_->setIcon(QMessageBox::Question);
+  box_->setTextFormat(Qt::PlainText);
+  box_->setText("Autoriser valdrix à lire tes calendriers ?");
+  box_->setInformativeText(
+      "Tes prochains événements s'afficheront dans l'encoche. valdrix les lit sur cet ordinateur, "
+      "ne les modifie pas et ne les envoie nulle part.");
+  auto* const later = box_->addButton("Plus tard", QMessageBox::RejectRole);
+  auto* const refuse = box_->addButton("Refuser", QMessageBox::DestructiveRole);
+  auto* const allow = box_->addButton("Autoriser", QMessageBox::AcceptRole);
+  box_->setDefaultButton(later);
+  box_->setEscapeButton(later);
+  // The user's other windows, the notch among them, stay usable, but don't bury it.
+  box_->setWindowModality(Qt::NonModal);
+  box_->setWindowFlag(Qt::WindowStaysOnTopHint);
+  QObject::connect(box_.get(), &QMessageBox::finished, box_.get(), [this, refuse, allow] {
+    const auto* const clicked = box_->clickedButton();
+    const auto answer = clicked == allow    ? Answer::allowed
+                        : clicked == refuse ? Answer::refused
+                                            : Answer::none;
+    // It is in the middle of a signal of its own.
+    box_.release()->deleteLater();
+    if (const auto block = std::exchange(onAnswer_, nullptr)) block(answer);
+  });
+  box_->show();
+}
+
+}  // namespace valdrix::desktop
