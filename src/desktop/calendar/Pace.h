@@ -11,12 +11,12 @@ class Pace {
  public:
   using Clock = std::chrono::steady_clock;
   static constexpr std::chrono::milliseconds shortest{50};
-  static constexpr std::chrono::milliseconds longest{500};
+  static constexpr std::chrono::milliseconds longest{250};
 
   /// From when on the next one may happen.
   [[nodiscard]] Clock::time_point next() const { return last_ + distance_; }
   void note(Clock::time_point now) {
-    const bool isInRow = now < next() + longest;
+    const bool isInRow = now < next() + shortest;
     distance_ = isInRow ? std::min(distance_ * 2, longest) : shortest;
     last_ = now;
   }

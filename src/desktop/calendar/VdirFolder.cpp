@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "desktop/calendar/IcalendarText.h"
+#include "desktop/calendar/NextStartGlance.h"
 #include "desktop/session/WholeFile.h"
 
 namespace valdrix::desktop {
@@ -115,11 +116,16 @@ bool VdirFolder::readNext(const VdirHorizon& horizon) {
 
 bool VdirFolder::parse(VdirFiles::value_type& entry, std::string_view text,
                        const VdirHorizon& horizon) {
-  const auto calendar = IcalendarText::parse(text);
-  entry.second.nextStart =
-      calendar.nextStart(horizon.since(), horizon.zone).value_or(VdirFile::never);
   const bool isOther = noteCollection(entry, text);
-  if (!horizon.mayHold(entry.second.nextStart)) return show(entry.first, {}) || isOther;
+  auto& next = entry.second.nextStart;
+  const auto glance = glanceNextStart(text, horizon.since());
+  if (glance && !horizon.mayHold(*glance)) {
+    next = *glance;
+    return show(entry.first, {}) || isOther;
+  }
+  const auto calendar = IcalendarText::parse(text);
+  next = calendar.nextStart(horizon.since(), horizon.zone).value_or(VdirFile::never);
+  if (!horizon.mayHold(next)) return show(entry.first, {}) || isOther;
   return show(entry.first, calendar.occurrences(horizon.from, horizon.to, horizon.zone)) || isOther;
 }
 
