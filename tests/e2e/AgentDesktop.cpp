@@ -4,7 +4,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
+#include <QSaveFile>
 
 #include "tests/support/WaitFor.h"
 
@@ -51,6 +53,8 @@ QProcessEnvironment AgentDesktop::environment() const {
   environment.insert("DISPLAY",
                      QString::fromStdString(const_cast<X11KeyDesk&>(keys).display().name()));
   environment.insert("VALDRIX_SYSFS", QString::fromStdString(sysfs.root().string()));
+  for (const auto* folder : {"XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"})
+    environment.remove(folder);
   environment.remove("WAYLAND_DISPLAY");
   environment.remove("QT_QPA_PLATFORM");
   if (!bus) environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home_.filePath("bus"));
@@ -111,6 +115,13 @@ void AgentDesktop::setPreference(const char* key, const char* value) const {
   QDir().mkpath(home_.filePath("config/valdrix"));
   QFile file(preferencesFile());
   if (file.open(QIODevice::Append)) file.write(QByteArray(key) + '=' + value + '\n');
+}
+
+void AgentDesktop::writeUserFile(const QString& path, const QByteArray& text) const {
+  QDir().mkpath(QFileInfo(userFile(path)).path());
+  QSaveFile file(userFile(path));
+  if (file.open(QIODevice::WriteOnly)) file.write(text);
+  EXPECT_TRUE(file.commit());
 }
 
 }  // namespace valdrix::tests

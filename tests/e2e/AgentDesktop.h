@@ -59,6 +59,10 @@ class AgentDesktop {
 
   void setPreference(const char* key, const char* value) const;
   [[nodiscard]] QString preferencesFile() const;
+  /// A file of the program's user, by its path below the home folder.
+  [[nodiscard]] QString userFile(const QString& path) const { return home_.filePath(path); }
+  /// Replaces that file as a whole, folders included.
+  void writeUserFile(const QString& path, const QByteArray& text) const;
 
   [[nodiscard]] VirtualDisplay& display() { return keys.display(); }
 

@@ -22,7 +22,7 @@ void AccessDialog::show() {
   box_->setWindowTitle("valdrix");
   box_->setIcon(QMessageBox::Question);
   box_->setTextFormat(Qt::PlainText);
-  box_->setText("Autoriser valdrix à lire tes calendriers ?");
+  box_->setText("Autoriser valdrix à lire tes calendriers\u00A0?");
   box_->setInformativeText(
       "Tes prochains événements s'afficheront dans l'encoche. valdrix les lit sur cet ordinateur, "
       "ne les modifie pas et ne les envoie nulle part.");

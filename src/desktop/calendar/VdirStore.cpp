@@ -73,9 +73,10 @@ void VdirStore::take(const FolderWatches::Event& event, Entry& entry) {
     if (wasFolder || isFolder) isSearchDue_ = true;
     return;
   }
-  // Whoever creates a file is still to write it, unless it is another name of one that exists.
+  // Whoever creates a file is still to write it, unless it is another name of one that exists, or
+  // was written before it had a name, as Qt's programs do.
   const bool isEmptyYet = event.mask & IN_CREATE && !fs::is_symlink(path, error) &&
-                          fs::hard_link_count(path, error) == 1;
+                          fs::hard_link_count(path, error) == 1 && fs::file_size(path, error) == 0;
   if (!isEmptyYet) entry.folder.queue(event.name);
 }
 
