@@ -42,10 +42,14 @@ ZoneCache& zoneCache() {
 
 QDateTime newYear(int year) { return {QDate(year, 1, 1), QTime(0, 0), Qt::UTC}; }
 
+QTimeZone::OffsetDataList transitionsOf(const QTimeZone& zone) {
+  return zone.transitions(newYear(1900), newYear(2200));
+}
+
 CalendarZone madeFrom(const QTimeZone& zone) {
   std::vector<CalendarZone::Change> changes;
   seconds offset(zone.offsetFromUtc(newYear(1900)));
-  for (const QTimeZone::OffsetData& data : zone.transitions(newYear(1900), newYear(2200))) {
+  for (const QTimeZone::OffsetData& data : transitionsOf(zone)) {
     const seconds after(data.offsetFromUtc);
     if (after != offset)
       changes.push_back({sys_seconds(seconds(data.atUtc.toSecsSinceEpoch())), offset, after});
@@ -70,7 +74,10 @@ std::shared_ptr<const CalendarZone> byIanaId(std::string_view name) {
   const QByteArray id(name.data(), static_cast<qsizetype>(name.size()));
   if (auto known = zoneCache().find(id)) return known;
   const QTimeZone zone(id);
-  return zone.isValid() ? CalendarZone::of(zone) : nullptr;
+  // Any word is a rule without daylight saving to QTimeZone, which makes it UTC by another name.
+  const bool isWord = name.find('/') == std::string_view::npos && transitionsOf(zone).isEmpty();
+  const bool isKnown = zone.isValid() && (!isWord || name.starts_with("UTC") || name == "GMT");
+  return isKnown ? CalendarZone::of(zone) : nullptr;
 }
 
 std::shared_ptr<const CalendarZone> byWindowsName(std::string_view name) {

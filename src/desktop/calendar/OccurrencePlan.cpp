@@ -173,8 +173,11 @@ void OccurrencePlan::addAdditions() {
         hasLength ? std::optional(lengthOf(addition.start, addition.extent)) : std::nullopt);
   }
   std::ranges::sort(additions_, {}, &Occurrence::start);
-  const auto repeated = std::ranges::unique(additions_, {}, &Occurrence::start);
-  additions_.erase(repeated.begin(), repeated.end());
+  const auto isSameStart = [](const Occurrence& one, const Occurrence& other) {
+    return one.start == other.start;
+  };
+  additions_.erase(std::unique(additions_.begin(), additions_.end(), isSameStart),
+                   additions_.end());
   // A rule may give them too.
   for (const Occurrence& addition : additions_) excluded_.push_back(addition.start);
   std::ranges::sort(excluded_);

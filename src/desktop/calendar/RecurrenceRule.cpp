@@ -149,7 +149,7 @@ WalkEnd RecurrenceRule::walkByLibical(WallTime start, bool isAllDay, WallRange r
   rule->count = 0;
   rule->until = toLibical(range.to, isAllDay);
   const IcalIterator iterator(icalrecur_iterator_new(*rule, toLibical(start, isAllDay)));
-  if (!iterator) return WalkEnd::finished;
+  if (!iterator) return WalkEnd::exhausted;
   if (range.from > start)
     icalrecur_iterator_set_start(iterator.get(), toLibical(range.from, isAllDay));
   while (budget.spend(stepsPerOccurrence)) {

@@ -87,6 +87,7 @@ std::optional<SubdailyRecurrence> SubdailyRecurrence::from(const icalrecurrencet
 
 WalkEnd SubdailyRecurrence::walk(WallTime start, WallRange range, WorkBudget& budget,
                                  const OccurrenceTaker& take) const {
+  constexpr std::int64_t stepsPerLook = 10;
   SubdailyRecurrence rule = *this;
   const seconds startTime = start - floor<days>(start);
   // What is finer than the unit stays as at the start, unless a part says otherwise.
@@ -96,7 +97,7 @@ WalkEnd SubdailyRecurrence::walk(WallTime start, WallRange range, WorkBudget& bu
     rule.minutes_.set(static_cast<std::size_t>(startTime % 1h / 1min));
   WallTime time = std::max(start, range.from);
   while (time <= range.to) {
-    if (!budget.spend(2)) return WalkEnd::tooCostly;
+    if (!budget.spend(stepsPerLook)) return WalkEnd::tooCostly;
     const WallTime candidate = rule.candidateFrom(time, start);
     if (candidate == time) {
       if (!take(time)) return WalkEnd::stopped;
