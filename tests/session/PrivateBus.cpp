@@ -8,15 +8,16 @@
 
 namespace valdrix::tests {
 
-PrivateBus::PrivateBus() {
+PrivateBus::PrivateBus(const QString& services) {
   const QString address = "unix:path=" + folder_.filePath("bus");
   QFile file(folder_.filePath("bus.conf"));
   if (file.open(QIODevice::WriteOnly))
-    file.write(QStringLiteral("<busconfig><listen>%1</listen>"
+    file.write(QStringLiteral("<busconfig><listen>%1</listen>%2"
                               "<policy context=\"default\"><allow send_destination=\"*\"/>"
                               "<allow receive_sender=\"*\"/>"
                               "<allow own=\"*\"/></policy></busconfig>")
-                   .arg(address)
+                   .arg(address, services.isEmpty() ? QString()
+                                                    : "<servicedir>" + services + "</servicedir>")
                    .toUtf8());
   qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
 }

@@ -12,7 +12,8 @@ namespace valdrix::tests {
 /// This process and its children find it as their session bus.
 class PrivateBus {
  public:
-  PrivateBus();
+  /// `services`: a folder of service files, for what the bus can start; none when empty.
+  explicit PrivateBus(const QString& services = {});
   ~PrivateBus();
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;

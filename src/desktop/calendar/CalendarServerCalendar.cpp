@@ -35,7 +35,9 @@ QString query(const CalendarServerCalendar::Span& span) {
   // Rounded outwards to seconds, and a day further for times without a zone, which the server may
   // see in another zone than we do.
   constexpr auto margin = std::chrono::hours(25);
-  return QStringLiteral("(occur-in-time-range? (make-time \"%1\") (make-time \"%2\"))")
+  // Twice negated, or else the server looks things up in an index that does not have an occurrence
+  // which was put off beyond the end of its series.
+  return QStringLiteral("(not (not (occur-in-time-range? (make-time \"%1\") (make-time \"%2\"))))")
       .arg(queryTime(span.start - margin), queryTime(span.end + margin));
 }
 

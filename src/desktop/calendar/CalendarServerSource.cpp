@@ -116,16 +116,15 @@ void CalendarServerSource::retryLongFailed() const {
 }
 
 void CalendarServerSource::reconcile() {
-  const auto before = calendars();
   const auto& listed = registry_.calendars();
-  std::erase_if(calendars_, [&](const auto& entry) {
+  const auto goneCount = std::erase_if(calendars_, [&](const auto& entry) {
     return std::ranges::find(listed, entry.first, &EventCalendar::calendarIdentifier) ==
            listed.end();
   });
-  bool isRenamed = false;
+  bool isChanged = goneCount > 0;
   for (const auto& description : listed) {
     auto& calendar = calendars_[description.calendarIdentifier];
-    isRenamed |= calendar.description != description;
+    isChanged |= calendar.isReadable && calendar.description != description;
     calendar.description = description;
     const auto condition = registry_.condition(description.calendarIdentifier);
     if (calendar.failure && calendar.failure->condition != condition) {
@@ -134,7 +133,7 @@ void CalendarServerSource::reconcile() {
     }
     if (!calendar.opened) open(calendar);
   }
-  if (isRenamed || before != calendars()) observers_.notify();
+  if (isChanged) observers_.notify();
 }
 
 void CalendarServerSource::open(Calendar& calendar) {
