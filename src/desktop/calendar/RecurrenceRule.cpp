@@ -6,6 +6,7 @@
 
 #include "desktop/calendar/IcalContentLines.h"
 #include "desktop/calendar/IcalHandles.h"
+#include "desktop/calendar/IcalRuleParts.h"
 
 namespace valdrix::desktop {
 
@@ -56,6 +57,13 @@ icaltimetype toLibical(WallTime wall, bool isDate) {
   result.second = static_cast<int>(time.seconds().count());
   result.is_date = isDate ? 1 : 0;
   return result;
+}
+
+/// libical goes through hours, minutes and seconds in the order in which they are written.
+template <std::size_t size>
+void sort(short (&list)[size]) {
+  const auto count = static_cast<std::ptrdiff_t>(parts(list).size());
+  std::sort(list, list + count);
 }
 
 WallTime fromLibical(const icaltimetype& time) {
@@ -133,6 +141,8 @@ WalkEnd RecurrenceRule::walk(WallTime start, bool isAllDay, const CalendarZone& 
 WalkEnd RecurrenceRule::walkRule(WallTime start, bool isAllDay, WallRange range, WorkBudget& budget,
                                  const OccurrenceTaker& take) const {
   if (plain_) return plain_->walk(start, range, budget, take);
+  // Hours make no sense for days.
+  if (subdaily_ && isAllDay) return WalkEnd::exhausted;
   if (subdaily_) return subdaily_->walk(start, range, budget, take);
   return walkByLibical(start, isAllDay, range, budget, take);
 }
@@ -148,15 +158,21 @@ WalkEnd RecurrenceRule::walkByLibical(WallTime start, bool isAllDay, WallRange r
   OwnedRule rule(text_);
   rule->count = 0;
   rule->until = toLibical(range.to, isAllDay);
+  sort(rule->by_hour);
+  sort(rule->by_minute);
+  sort(rule->by_second);
   const IcalIterator iterator(icalrecur_iterator_new(*rule, toLibical(start, isAllDay)));
   if (!iterator) return WalkEnd::exhausted;
   if (range.from > start)
     icalrecur_iterator_set_start(iterator.get(), toLibical(range.from, isAllDay));
+  WallTime last = start - 1s;
   while (budget.spend(stepsPerOccurrence)) {
     const icaltimetype time = icalrecur_iterator_next(iterator.get());
     if (icaltime_is_null_time(time)) return WalkEnd::finished;
-    const WallTime wall = fromLibical(time);
-    if (wall < start || wall < range.from) continue;
+    const WallTime wall = isAllDay ? floor<days>(fromLibical(time)) : fromLibical(time);
+    // What is listed twice, it gives twice.
+    if (wall <= last || wall < range.from) continue;
+    last = wall;
     if (wall > range.to) return WalkEnd::finished;
     if (!take(wall)) {
       budget.refund((range.to - wall) / 24h * stepsPerDay);
