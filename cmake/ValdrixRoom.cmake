@@ -10,7 +10,7 @@ if(VALDRIX_SANITIZE)
   # The sanitizers' own code makes GCC see uninitialised values inside the standard library.
   target_compile_options(valdrix_options INTERFACE
     -fsanitize=${VALDRIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    -Wno-maybe-uninitialized)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(valdrix_options INTERFACE -fsanitize=${VALDRIX_SANITIZE})
 endif()
 

@@ -46,7 +46,15 @@ class EventReader {
   std::optional<IcalEvent> finish();
 
  private:
-  [[nodiscard]] std::optional<IcalTime> time(const IcalContentLine& line, std::string_view value);
+  /// What a line's parameters say of all times in it.
+  struct Frame {
+    bool isDate = false;
+    std::shared_ptr<const CalendarZone> zone{};
+  };
+
+  [[nodiscard]] Frame frameOf(const IcalContentLine& line);
+  [[nodiscard]] static std::optional<IcalTime> time(const Frame& frame, std::string_view value);
+  [[nodiscard]] std::optional<IcalTime> time(const IcalContentLine& line);
   [[nodiscard]] IcalRecurrence& recurrence();
   void readText(const IcalContentLine& line);
   void readRecurrence(const IcalContentLine& line);
@@ -63,11 +71,11 @@ void EventReader::read(const IcalContentLine& line) {
   switch (line.name.front() | 0x20) {
     case 'd':
       if (line.is("DTSTART")) {
-        const auto start = time(line, line.value);
+        const auto start = time(line);
         if (start) event_.start = *start;
         hasStart_ = start.has_value();
       } else if (line.is("DTEND")) {
-        event_.extent.end = time(line, line.value);
+        event_.extent.end = time(line);
       } else if (line.is("DURATION")) {
         event_.extent.duration = parseDuration(trimmed(line.value));
       }
@@ -88,15 +96,22 @@ std::optional<IcalEvent> EventReader::finish() {
   return std::move(event_);
 }
 
-std::optional<IcalTime> EventReader::time(const IcalContentLine& line, std::string_view value) {
+EventReader::Frame EventReader::frameOf(const IcalContentLine& line) {
+  const auto kind = line.parameter("VALUE");
+  const auto tzid = line.parameter("TZID");
+  return {.isDate = kind && isSameWord(*kind, "DATE"), .zone = tzid ? zones_.find(*tzid) : nullptr};
+}
+
+std::optional<IcalTime> EventReader::time(const Frame& frame, std::string_view value) {
   const auto written = parseDateTime(trimmed(value));
   if (!written) return std::nullopt;
-  const auto kind = line.parameter("VALUE");
-  if (written->isDate || (kind && isSameWord(*kind, "DATE")))
+  if (written->isDate || frame.isDate)
     return IcalTime{.wall = std::chrono::floor<std::chrono::days>(written->wall), .isDate = true};
-  if (written->isUtc) return IcalTime{.wall = written->wall, .zone = CalendarZone::utc()};
-  const auto tzid = line.parameter("TZID");
-  return IcalTime{.wall = written->wall, .zone = tzid ? zones_.find(*tzid) : nullptr};
+  return IcalTime{.wall = written->wall, .zone = written->isUtc ? CalendarZone::utc() : frame.zone};
+}
+
+std::optional<IcalTime> EventReader::time(const IcalContentLine& line) {
+  return time(frameOf(line), line.value);
 }
 
 IcalRecurrence& EventReader::recurrence() {
@@ -121,7 +136,7 @@ void EventReader::readText(const IcalContentLine& line) {
 
 void EventReader::readRecurrence(const IcalContentLine& line) {
   if (line.is("RECURRENCE-ID")) {
-    event_.recurrenceId = time(line, line.value);
+    event_.recurrenceId = time(line);
     const auto range = line.parameter("RANGE");
     event_.isThisAndFuture = range && isSameWord(*range, "THISANDFUTURE");
   } else if (line.is("RRULE")) {
@@ -131,24 +146,26 @@ void EventReader::readRecurrence(const IcalContentLine& line) {
   } else if (line.is("RDATE")) {
     addAdditions(line);
   } else if (line.is("EXDATE")) {
+    const Frame frame = frameOf(line);
     IcalList values(line.value);
     while (const auto value = values.next()) {
       if (recurrence().exceptions.size() >= maximumListed) return;
-      if (auto exception = time(line, *value)) recurrence().exceptions.push_back(*exception);
+      if (auto exception = time(frame, *value)) recurrence().exceptions.push_back(*exception);
     }
   }
 }
 
 void EventReader::addAdditions(const IcalContentLine& line) {
+  const Frame frame = frameOf(line);
   IcalList values(line.value);
   while (const auto value = values.next()) {
     if (recurrence().additions.size() >= maximumListed) return;
     const std::size_t slash = std::min(value->find('/'), value->size());
-    const auto start = time(line, value->substr(0, slash));
+    const auto start = time(frame, value->substr(0, slash));
     if (!start) continue;
     IcalAdditionalStart addition{.start = *start};
     if (slash < value->size()) {
-      addition.extent.end = time(line, value->substr(slash + 1));
+      addition.extent.end = time(frame, value->substr(slash + 1));
       addition.extent.duration = parseDuration(trimmed(value->substr(slash + 1)));
     }
     recurrence().additions.push_back(std::move(addition));
