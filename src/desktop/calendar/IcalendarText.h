@@ -13,7 +13,7 @@
 namespace valdrix::desktop {
 
 /// The events of one iCalendar text (RFC 5545): a file with any number of VCALENDARs, or bare
-/// VEVENTs one after the other. Immutable, so it can be read from any thread, one thread at a time.
+/// VEVENTs one after the other. Immutable, so any number of threads may read it.
 ///
 /// The text is untrusted: whatever it holds, work and memory are bounded, a component that makes no
 /// sense is left out, and all others stay.
@@ -34,6 +34,8 @@ class IcalendarText {
   /// The occurrences that overlap the time from `start` up to `end`, one event each, without a
   /// calendar; edges as in `EventStore::events`. `eventIdentifier` is the event's UID. `local` is
   /// the zone of all-day and floating times. In no particular order; cancelled ones are left out.
+  /// All occurrences of an event with a rule, additional dates or changed occurrences have
+  /// recurrence rules.
   [[nodiscard]] std::vector<platform::Event> occurrences(platform::Instant start,
                                                          platform::Instant end,
                                                          const QTimeZone& local) const;
