@@ -17,9 +17,9 @@ const QString viewInterface = QStringLiteral("org.gnome.evolution.dataserver.Cal
 
 // A change comes with several notices, and a server that fills a calendar sends thousands.
 constexpr double shortestPause = 0.05;  // seconds
-constexpr double longestPause = 10;
+constexpr double longestRest = 2;
 // Reading takes up no more than this part of the time while changes go on.
-constexpr double mostOfTheTime = 0.2;
+constexpr double mostOfTheTime = 0.5;
 constexpr int mostCallsUnderWay = 32;
 constexpr std::size_t mostZones = 200;
 
@@ -129,7 +129,8 @@ void CalendarServerCalendar::show(const Span& span) {
 
 void CalendarServerCalendar::fetchSoon() {
   if (nextFetch_) return;
-  const double pause = std::clamp(fetchDuration_ / mostOfTheTime, shortestPause, longestPause);
+  const double rest = std::min(fetchDuration_ / mostOfTheTime, longestRest);
+  const double pause = std::max(shortestPause, fetchEnd_ + rest - runLoop_.now());
   nextFetch_ = runLoop_.scheduleTimer(pause, false, [this] {
     nextFetch_.reset();
     fetch();
@@ -218,7 +219,8 @@ void CalendarServerCalendar::expand() {
 
 void CalendarServerCalendar::endFetch() {
   isFetching_ = false;
-  fetchDuration_ = runLoop_.now() - fetchStart_;
+  fetchEnd_ = runLoop_.now();
+  fetchDuration_ = fetchEnd_ - fetchStart_;
   if (std::exchange(isStale_, false)) fetchSoon();
 }
 

@@ -92,6 +92,7 @@ class CalendarServerCalendar {
   bool isStale_ = false;
   std::optional<Span> fetchedSpan_;
   double fetchStart_ = 0;
+  double fetchEnd_ = 0;
   double fetchDuration_ = 0;
   std::shared_ptr<CalendarServerObjects> objects_;
   QStringList incompleteUids_;

@@ -22,6 +22,8 @@ using std::chrono::sys_days;
 constexpr days marginBefore{1};
 constexpr days marginAfter{2};
 constexpr days leastMarginAfter{1};
+// An event that is clicked on is looked for in two weeks.
+constexpr days leastAhead{16};
 constexpr Instant firstInstant = sys_days(1900y / 1 / 1);
 constexpr Instant lastInstant = sys_days(2999y / 1 / 1);
 
@@ -95,7 +97,8 @@ std::vector<Event> CalendarServerSource::events(
 
 void CalendarServerSource::keep(Instant start, Instant end) const {
   if (span_ && start >= span_->start && end + leastMarginAfter <= span_->end) return;
-  span_ = {start - marginBefore, end + marginAfter, userCalendar_.zone()};
+  span_ = {start - marginBefore, std::max(end + marginAfter, start + leastAhead),
+           userCalendar_.zone()};
   for (const auto& [uid, calendar] : calendars_)
     if (calendar.opened) calendar.opened->show(*span_);
 }
