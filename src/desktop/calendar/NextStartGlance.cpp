@@ -120,8 +120,10 @@ class Glance {
     const auto start = *event_.start;
     // Without an end it may be a whole day.
     const auto length = std::max<Instant::duration>(event_.end.value_or(start) - start, days(0));
-    const auto lastStart = event_.recurs ? event_.until : start;
-    if (lastStart && *lastStart + length + days(1) + zoneMargin < since_) return;
+    const bool hasLast = !event_.recurs || event_.until.has_value();
+    // The start counts, also where the rule does not reach it.
+    const auto last = std::max(event_.until.value_or(start), start);
+    if (hasLast && last + length + days(1) + zoneMargin < since_) return;
     // When a rule that has begun goes on is for the parser to find out.
     if (event_.recurs && start - zoneMargin < since_) isClear_ = false;
     next_ = std::min<Instant>(next_, start - zoneMargin);
