@@ -1,5 +1,6 @@
 // Links and the programs that open them, as argument vectors.
 
+#include <clocale>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -35,6 +36,7 @@ class Programs {
     for (const auto* variable : {"XDG_DATA_DIRS", "XDG_CONFIG_DIRS"})
       qputenv(variable, folder_.filePath("none").toUtf8());
     qputenv("XDG_CURRENT_DESKTOP", "Some:GNOME");
+    std::setlocale(LC_TIME, "C");
   }
 
   [[nodiscard]] std::filesystem::path commands() const {

@@ -35,7 +35,10 @@ std::string text(std::optional<Instant> instant) {
 /// A link to a zone's file, as the system has one.
 class ZoneLink {
  public:
-  explicit ZoneLink(const fs::path& zone) { pointAt(zone); }
+  explicit ZoneLink(const fs::path& zone) {
+    qunsetenv("TZ");
+    pointAt(zone);
+  }
   /// The way in which the system's own tools change it.
   void pointAt(const fs::path& zone) const {
     const auto next = path().string() + ".new";

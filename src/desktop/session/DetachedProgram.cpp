@@ -52,8 +52,10 @@ class FreshStart {
   /// The new process; -1 when it could not be started.
   [[nodiscard]] pid_t spawn(const QStringList& command) const {
     std::vector<std::string> words;
+    words.reserve(static_cast<std::size_t>(command.size()));
     for (const auto& word : command) words.push_back(word.toStdString());
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (auto& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     pid_t pid = -1;
