@@ -173,6 +173,7 @@ TEST(QtUserCalendar, TellsOfANewDay) {
   const auto offset = QTime(0, 0).addSecs(static_cast<int>(untilMidnight));
   const EnvironmentZone environment("XXX-" + offset.toString("HH:mm:ss").toLatin1());
   QtUserCalendar calendar;
+  if (calendar.fields(calendar.now()).hour == 0) GTEST_SKIP() << "it has begun already";
   ASSERT_EQ(calendar.fields(calendar.now()).hour, 23U);
   int changes = 0;
   const Token token = calendar.observeChanges([&] { ++changes; });
