@@ -86,7 +86,10 @@ void VdirWorker::takeTurn(VdirStore& store) {
   }
   store.work(turn);
   const auto now = Clock::now();
-  if (store.hasNews() && now >= publishing_.next()) {
+  // Whoever waits for the whole list after the start does not wait for the next notice, too.
+  const bool isWhole = !store.hasWork() && !store.isSearchDue();
+  const bool isFirstWhole = isWhole && !std::exchange(wasWhole_, wasWhole_ || isWhole);
+  if (store.hasNews() && (isFirstWhole || now >= publishing_.next())) {
     publishing_.note(now);
     publish_(store.takeSnapshot());
   }

@@ -53,6 +53,7 @@ class VdirWorker {
   // The thread's own.
   Pace searching_;
   Pace publishing_;
+  bool wasWhole_ = false;  ///< whether all was read that there was
   std::optional<Clock::time_point> oldSince_;  ///< when the index on disk became out of date
   std::optional<Clock::time_point> saved_;
   Clock::time_point lookedAgain_{};
