@@ -183,6 +183,8 @@ void VdirStore::saveIndex() {
   for (const auto& entry : entries_)
     index.add(indexKey(entry->folder.where()), entry->folder.files());
   static_cast<void>(std::move(index).save(paths_.index));
+  // The text of a large index is larger than all that stays.
+  ::malloc_trim(0);
 }
 
 }  // namespace valdrix::desktop
