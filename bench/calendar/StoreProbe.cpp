@@ -154,6 +154,8 @@ Figures probeStore(const fs::path& home, std::size_t expected, int changes) {
   Probe probe(home);
   Figures figures;
   figures["first"] = probe.until(start, [&] { return !probe.week().empty(); });
+  figures["known"] =
+      probe.until(start, [&] { return probe.week().size() >= EventFolder::eventsOfWeek; });
   figures["complete"] = probe.until(start, [&] { return probe.week().size() >= expected; });
   figures["events"] = static_cast<double>(probe.week().size());
   while (!fs::exists(pathsIn(home).index) && secondsSince(start) < longestWait) probe.run(0.005);

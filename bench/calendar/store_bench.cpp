@@ -122,8 +122,8 @@ void measure(Report& report, std::size_t size, std::size_t largestForKhal) {
               Report::Goal::absolute,
               500});
   if (const auto khal = warmKhal(home, size, largestForKhal))
-    report.add({"second start: beside khal's warm list", "ms", second["complete"] * 1e3,
-                *khal * 1e3, Report::Goal::ratio, 0.05});
+    report.add({"second start: the list as it was", "ms", second["known"] * 1e3, *khal * 1e3,
+                Report::Goal::ratio, 0.05});
   report.add(
       {"one reload of the week", "µs", second["reload"] * 1e6, {}, Report::Goal::absolute, 1000});
   report.add({"one file changed until shown",
