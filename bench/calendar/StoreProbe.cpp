@@ -14,8 +14,8 @@
 #include "bench/calendar/EventFolder.h"
 #include "bench/desktop/Clock.h"
 #include "bench/desktop/Samples.h"
-#include "desktop/calendar/VdirSource.h"
 #include "desktop/session/QtRunLoop.h"
+#include "desktop/vdir/VdirSource.h"
 
 namespace valdrix::bench {
 namespace fs = std::filesystem;

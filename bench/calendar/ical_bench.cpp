@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "desktop/calendar/IcalendarText.h"
+#include "desktop/icalendar/IcalendarText.h"
 
 // What reading one event's file costs, beside libical's own parser on the same text, which is where
 // every program that reads calendars with it begins.

@@ -8,9 +8,9 @@
 
 #include "desktop/X11WindowSystem.h"
 #ifdef VALDRIX_CALENDAR_SERVER
-#include "desktop/calendar/CalendarServerSource.h"
+#include "desktop/calendarserver/CalendarServerSource.h"
 #endif
-#include "desktop/calendar/VdirSource.h"
+#include "desktop/vdir/VdirSource.h"
 
 namespace valdrix::desktop {
 

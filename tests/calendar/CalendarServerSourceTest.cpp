@@ -14,12 +14,12 @@
 #include <QTemporaryDir>
 
 #include "desktop/calendar/AccessPrompt.h"
-#include "desktop/calendar/CalendarServerEntry.h"
-#include "desktop/calendar/CalendarServerSource.h"
 #include "desktop/calendar/DesktopEventStore.h"
-#include "desktop/calendar/VdirSource.h"
+#include "desktop/calendarserver/CalendarServerEntry.h"
+#include "desktop/calendarserver/CalendarServerSource.h"
 #include "desktop/session/PrivacyRecord.h"
 #include "desktop/session/QtRunLoop.h"
+#include "desktop/vdir/VdirSource.h"
 #include "tests/calendar/CalendarServer.h"
 #include "tests/support/WaitFor.h"
 

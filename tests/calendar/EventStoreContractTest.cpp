@@ -13,9 +13,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "desktop/calendar/CalendarServerSource.h"
-#include "desktop/calendar/VdirSource.h"
+#include "desktop/calendarserver/CalendarServerSource.h"
 #include "desktop/session/QtRunLoop.h"
+#include "desktop/vdir/VdirSource.h"
 #include "sim/ManualRunLoop.h"
 #include "sim/SimEventStore.h"
 #include "tests/calendar/CalendarServer.h"

@@ -8,9 +8,9 @@
 
 #include <QDateTime>
 
-#include "desktop/calendar/IcalHandles.h"
-#include "desktop/calendar/IcalendarText.h"
-#include "desktop/calendar/RecurrenceRule.h"
+#include "desktop/icalendar/IcalHandles.h"
+#include "desktop/icalendar/IcalendarText.h"
+#include "desktop/icalendar/RecurrenceRule.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include <QDateTime>
 
-#include "desktop/calendar/IcalendarText.h"
+#include "desktop/icalendar/IcalendarText.h"
 
 // list_occurrences FOLDER FIRST-DAY LAST-DAY: a line for each occurrence in the files of a folder,
 // in the system's time zone: title, start and end, the last day for all-day events.

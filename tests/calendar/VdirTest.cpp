@@ -16,14 +16,14 @@
 #include <QTemporaryDir>
 #include <sys/stat.h>
 
-#include "desktop/calendar/CalendarFolders.h"
-#include "desktop/calendar/CalendarPlaces.h"
-#include "desktop/calendar/IcalendarText.h"
-#include "desktop/calendar/NextStartGlance.h"
-#include "desktop/calendar/VdirIndex.h"
-#include "desktop/calendar/VdirSource.h"
+#include "desktop/icalendar/IcalendarText.h"
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/session/WholeFile.h"
+#include "desktop/vdir/CalendarFolders.h"
+#include "desktop/vdir/CalendarPlaces.h"
+#include "desktop/vdir/NextStartGlance.h"
+#include "desktop/vdir/VdirIndex.h"
+#include "desktop/vdir/VdirSource.h"
 #include "tests/support/Unprivileged.h"
 #include "tests/support/WaitFor.h"
 

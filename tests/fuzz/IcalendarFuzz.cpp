@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "desktop/calendar/IcalendarText.h"
+#include "desktop/icalendar/IcalendarText.h"
 
 /// Reads any bytes as calendars and asks them what the program asks. What must hold of the answers
 /// is checked here; what must hold of memory, by the sanitizers.

@@ -330,8 +330,6 @@ void X11PanelWindow::leaveContent() {
   if (std::exchange(isPointerInContent_, false) && content_) content_->pointerExited();
 }
 
-void X11PanelWindow::updateCursor() {
-  inputRegion_.setCursor(services_.cursor.shape());
-}
+void X11PanelWindow::updateCursor() { inputRegion_.setCursor(services_.cursor.shape()); }
 
 }  // namespace valdrix::desktop
