@@ -175,10 +175,11 @@ TEST(QtUserCalendar, TellsOfANewDay) {
   QtUserCalendar calendar;
   if (calendar.fields(calendar.now()).hour == 0) GTEST_SKIP() << "it has begun already";
   ASSERT_EQ(calendar.fields(calendar.now()).hour, 23U);
-  int changes = 0;
-  const Token token = calendar.observeChanges([&] { ++changes; });
-  EXPECT_TRUE(tests::waitFor([&] { return changes > 0; }));
-  EXPECT_EQ(calendar.fields(calendar.now()).hour, 0U) << "told too early";
+  // A clock that somebody sets meanwhile is told of too.
+  bool isToldOfNewDay = false;
+  const Token token =
+      calendar.observeChanges([&] { isToldOfNewDay = calendar.fields(calendar.now()).hour == 0; });
+  EXPECT_TRUE(tests::waitFor([&] { return isToldOfNewDay; }));
 }
 
 TEST(QtUserCalendar, TellsWhenTheClockWasSet) {
