@@ -120,15 +120,24 @@ std::unique_ptr<VdirStore::Entry> VdirStore::takeEntry(const CalendarFolder& whe
   return entry;
 }
 
+bool VdirStore::isReading() const {
+  return std::ranges::any_of(entries_, [](const auto& entry) { return entry->folder.hasQueue(); });
+}
+
 bool VdirStore::hasWork() const {
-  return std::ranges::any_of(entries_, [](const auto& entry) {
-    return entry->folder.hasQueue() || entry->isScanDue || entry->isAppearanceDue;
-  });
+  return isReading() || std::ranges::any_of(entries_, [](const auto& entry) {
+           return entry->isScanDue || entry->isAppearanceDue;
+         });
 }
 
 void VdirStore::work(std::chrono::milliseconds duration) {
   const auto end = std::chrono::steady_clock::now() + duration;
-  while (!isStopped_ && workOnce() && std::chrono::steady_clock::now() < end) continue;
+  while (!isStopped_ && std::chrono::steady_clock::now() < end) {
+    const bool wasReading = isReading();
+    if (!workOnce()) break;
+    // The list of what the index knew is not kept waiting until all folders are looked through.
+    if (wasReading && !isReading() && hasNews()) break;
+  }
   // What thousands of files took goes back to the system.
   constexpr std::size_t many = 1000;
   if (readSinceTrim_ >= many && !hasWork()) {

@@ -63,6 +63,7 @@ class VdirStore {
   void take(const FolderWatches::Event& event, Entry& entry);
   [[nodiscard]] std::unique_ptr<Entry> takeEntry(const CalendarFolder& where);
   bool workOnce();
+  [[nodiscard]] bool isReading() const;
   void readNext(Entry& entry);
 
   VdirPaths paths_;
