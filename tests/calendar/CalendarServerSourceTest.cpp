@@ -138,6 +138,13 @@ TEST_F(CalendarServerTest, KnowsAllOfASeriesAndTheZonesOfTheServer) {
   ASSERT_TRUE(awaitEvents({"there 17", "zone 15"}));
   ASSERT_TRUE(server.change("work", event("series", ":20261124T060000Z")));
   EXPECT_TRUE(awaitEvents({"series 6", "there 17", "zone 15"}));
+
+  source->stop();
+  EXPECT_THAT(source->calendars(), IsEmpty());
+  ASSERT_TRUE(server.change("work", event("series", ":20261124T070000Z")));
+  EXPECT_THAT(events(), IsEmpty());
+  source->start();
+  EXPECT_TRUE(awaitEvents({"series 7", "there 17", "zone 15"}));
 }
 
 TEST_F(CalendarServerTest, FollowsItsEntries) {

@@ -26,6 +26,7 @@ struct Source final : CalendarSource {
 
   [[nodiscard]] Reach reach() const override { return reach_; }
   void start() override { ++starts; }
+  void stop() override { ++stops; }
   [[nodiscard]] std::vector<platform::EventCalendar> calendars() const override {
     std::vector<platform::EventCalendar> all;
     for (const auto& identifier : calendars_) all.push_back({identifier, "of " + identifier});
@@ -50,6 +51,7 @@ struct Source final : CalendarSource {
   Reach reach_;
   std::vector<std::string> calendars_;
   int starts = 0;
+  int stops = 0;
   Listeners<> changes;
 };
 
@@ -151,9 +153,14 @@ TEST_F(DesktopEventStoreTest, IsAskedOnceForAllRequestsAndRemembered) {
   writeRecord("calendars=refused\n");
   EXPECT_TRUE(tests::waitFor([&] { return changes > 0; }));
   EXPECT_TRUE(store.calendars().empty());
+  EXPECT_EQ(sources_[0]->stops, 1);
   store.requestFullAccessToEvents(note);
   EXPECT_FALSE(granted.back());
   EXPECT_EQ(prompt.questions, questions) << "a refusal is not asked again";
+  writeRecord("calendars=allowed\n");
+  EXPECT_TRUE(tests::waitFor([&] { return !store.calendars().empty(); }));
+  EXPECT_EQ(sources_[0]->starts, 2);
+  EXPECT_EQ(sources_[0]->stops, 1);
 }
 
 TEST_F(DesktopEventStoreTest, SourcesAreOneListWithoutDoubles) {

@@ -28,9 +28,12 @@ class CalendarSource {
   /// Looks without opening any calendar. Quick; may be called before `start`.
   [[nodiscard]] virtual Reach reach() const = 0;
 
-  /// Begins to read. Called once, when the user has allowed it; before, nothing is read and the
-  /// lists below are empty.
+  /// Begins to read, when the user has allowed it; before, nothing is read and the lists below are
+  /// empty. Not called twice without `stop` in between.
   virtual void start() = 0;
+  /// Ends what `start` began: nothing is read or kept any more and the lists are empty; `start` may
+  /// follow again. Does nothing when it was not started. Announces no change.
+  virtual void stop() = 0;
 
   /// All calendars with events of this source, in a stable order.
   [[nodiscard]] virtual std::vector<platform::EventCalendar> calendars() const = 0;

@@ -15,6 +15,7 @@ DesktopEventStore::DesktopEventStore(Sources sources, PrivacyRecord& record, Acc
   for (const auto& source : sources_)
     sourceObservers_.push_back(source->observeChanges([this] { observers_.notify(); }));
   recordObserver_ = record_.observeChanges([this] {
+    stopUnlessAllowed();
     startIfAllowed();
     observers_.notify();
   });
@@ -43,6 +44,11 @@ void DesktopEventStore::startIfAllowed() {
   if (isStarted_ || authorizationStatus() != EventAuthorization::fullAccess) return;
   isStarted_ = true;
   for (const auto& source : sources_) source->start();
+}
+
+void DesktopEventStore::stopUnlessAllowed() {
+  if (isAllowed() || !std::exchange(isStarted_, false)) return;
+  for (const auto& source : sources_) source->stop();
 }
 
 void DesktopEventStore::requestFullAccessToEvents(std::function<void(bool)> completion) {

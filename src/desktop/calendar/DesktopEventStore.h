@@ -15,7 +15,8 @@
 namespace valdrix::desktop {
 
 /// All sources of calendars as one store, behind the user's permission: without it no source is
-/// started and none is asked. It may be withdrawn at any time by changing the record.
+/// started and none is asked. It may be withdrawn and given again at any time by changing the
+/// record.
 class DesktopEventStore final : public platform::EventStore {
  public:
   using Sources = std::vector<std::unique_ptr<CalendarSource>>;
@@ -52,6 +53,7 @@ class DesktopEventStore final : public platform::EventStore {
   [[nodiscard]] bool isAllowed() const;
   [[nodiscard]] std::vector<Entry> entries() const;
   void startIfAllowed();
+  void stopUnlessAllowed();
   void handleAnswer(AccessPrompt::Answer answer);
 
   Sources sources_;

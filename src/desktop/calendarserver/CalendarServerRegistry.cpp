@@ -122,6 +122,13 @@ void CalendarServerRegistry::start() {
   refresh();
 }
 
+void CalendarServerRegistry::stop() {
+  isStarted_ = false;
+  news_.stop();
+  calendars_.clear();
+  conditions_.clear();
+}
+
 void CalendarServerRegistry::refresh() {
   const auto sources = service("Sources");
   const auto& connection = bus_.connection();
@@ -132,6 +139,7 @@ void CalendarServerRegistry::refresh() {
                      {},       hasRun_}
       .send(*connection, *services_, [this](const QDBusMessage& reply) {
         isListing_ = false;
+        if (!isStarted_) return;
         if (reply.type() != QDBusMessage::ReplyMessage) return callbacks_.onFailure();
         takeList(reply);
         if (std::exchange(isListStale_, false)) refresh();

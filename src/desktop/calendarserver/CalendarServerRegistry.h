@@ -48,6 +48,8 @@ class CalendarServerRegistry {
   [[nodiscard]] bool isPresent() const;
   /// Asks for the calendars, now and whenever they change.
   void start();
+  /// Asks no more, and forgets what it heard.
+  void stop();
   /// Asks once more, in vain while there is no server.
   void refresh();
 

@@ -64,6 +64,15 @@ CalendarSource::Reach CalendarServerSource::reach() const {
 
 void CalendarServerSource::start() { registry_.start(); }
 
+void CalendarServerSource::stop() {
+  registry_.stop();
+  calendars_.clear();
+  worker_.forget();
+  span_.reset();
+  nextRetry_.reset();
+  nextReopening_.reset();
+}
+
 Token CalendarServerSource::observeChanges(std::function<void()> block) {
   return observers_.add(std::move(block));
 }

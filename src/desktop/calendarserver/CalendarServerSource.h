@@ -36,6 +36,7 @@ class CalendarServerSource final : public CalendarSource {
 
   [[nodiscard]] Reach reach() const override;
   void start() override;
+  void stop() override;
   [[nodiscard]] std::vector<platform::EventCalendar> calendars() const override;
   [[nodiscard]] std::vector<platform::Event> events(
       platform::Instant start, platform::Instant end,

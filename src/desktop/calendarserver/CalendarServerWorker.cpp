@@ -20,6 +20,12 @@ void CalendarServerWorker::enqueue(std::function<void()> block) {
   if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
 }
 
+void CalendarServerWorker::forget() {
+  std::deque<std::function<void()>> forgotten;
+  const std::lock_guard lock(mutex_);
+  forgotten.swap(queue_);
+}
+
 void CalendarServerWorker::work() {
   std::unique_lock lock(mutex_);
   while (true) {

@@ -49,6 +49,8 @@ class CalendarServerWorker {
       runLoop_.async(finish);
     });
   }
+  /// Drops the work that has not begun.
+  void forget();
 
  private:
   void enqueue(std::function<void()> block);

@@ -36,6 +36,7 @@ CalendarSource::Reach VdirSource::reach() const {
 
 void VdirSource::start() {
   auto show = lifetime_.weak([this](const std::shared_ptr<const VdirSnapshot>& snapshot) {
+    if (!worker_) return;
     snapshot_ = snapshot;
     observers_.notify();
   });
@@ -45,6 +46,12 @@ void VdirSource::start() {
   horizon_ = horizon();
   worker_ = std::make_unique<VdirWorker>(paths_, horizon_, std::move(publish));
   clockChanges_ = userCalendar_.observeChanges([this] { requestHorizon(); });
+}
+
+void VdirSource::stop() {
+  clockChanges_.reset();
+  worker_.reset();
+  snapshot_ = std::make_shared<const VdirSnapshot>();
 }
 
 VdirHorizon VdirSource::horizon() const {
