@@ -39,7 +39,8 @@ bool isBlank(std::string_view text) {
 /// Reads the lines of one VEVENT.
 class EventReader {
  public:
-  explicit EventReader(IcalTimezones& zones) : zones_(zones) {}
+  EventReader(IcalTimezones& zones, Interruption& interruption)
+      : zones_(zones), interruption_(interruption) {}
 
   void read(const IcalContentLine& line);
   /// Nothing when the event has no start.
@@ -56,11 +57,14 @@ class EventReader {
   [[nodiscard]] static std::optional<IcalTime> time(const Frame& frame, std::string_view value);
   [[nodiscard]] std::optional<IcalTime> time(const IcalContentLine& line);
   [[nodiscard]] IcalRecurrence& recurrence();
+  /// For every value of a list, as one line may be the whole text.
+  [[nodiscard]] bool isInterrupted() { return interruption_.isDueAfter(5); }
   void readText(const IcalContentLine& line);
   void readRecurrence(const IcalContentLine& line);
   void addAdditions(const IcalContentLine& line);
 
   IcalTimezones& zones_;
+  Interruption& interruption_;
   IcalEvent event_;
   bool hasStart_ = false;
 };
@@ -149,7 +153,7 @@ void EventReader::readRecurrence(const IcalContentLine& line) {
     const Frame frame = frameOf(line);
     IcalList values(line.value);
     while (const auto value = values.next()) {
-      if (recurrence().exceptions.size() >= maximumListed) return;
+      if (recurrence().exceptions.size() >= maximumListed || isInterrupted()) return;
       if (auto exception = time(frame, *value)) recurrence().exceptions.push_back(*exception);
     }
   }
@@ -159,7 +163,7 @@ void EventReader::addAdditions(const IcalContentLine& line) {
   const Frame frame = frameOf(line);
   IcalList values(line.value);
   while (const auto value = values.next()) {
-    if (recurrence().additions.size() >= maximumListed) return;
+    if (recurrence().additions.size() >= maximumListed || isInterrupted()) return;
     const std::size_t slash = std::min(value->find('/'), value->size());
     const auto start = time(frame, value->substr(0, slash));
     if (!start) continue;
@@ -175,7 +179,8 @@ void EventReader::addAdditions(const IcalContentLine& line) {
 /// Follows the components of a text.
 class TextReader {
  public:
-  explicit TextReader(std::string_view text) : text_(text), lines_(text), zones_(text) {}
+  TextReader(std::string_view text, Interruption& interruption)
+      : text_(text), lines_(text), zones_(text, interruption), interruption_(interruption) {}
 
   std::vector<IcalEvent> read();
 
@@ -187,6 +192,7 @@ class TextReader {
   std::string_view text_;
   IcalContentLines lines_;
   IcalTimezones zones_;
+  Interruption& interruption_;
   std::vector<IcalEvent> events_;
   std::optional<EventReader> event_;
   /// How deep inside the event's own parts, such as its alarms; their lines are not the event's.
@@ -195,8 +201,11 @@ class TextReader {
 
 std::vector<IcalEvent> TextReader::read() {
   while (events_.size() < maximumEvents) {
+    const std::size_t position = lines_.position();
     const auto line = lines_.next();
-    if (!line) break;
+    // A byte costs a step at most.
+    const auto steps = static_cast<std::int64_t>(lines_.position() - position);
+    if (!line || interruption_.isDueAfter(steps)) break;
     if (line->is("BEGIN")) {
       begin(trimmed(line->value));
     } else if (line->is("END")) {
@@ -215,9 +224,10 @@ void TextReader::begin(std::string_view component) {
     return;
   }
   finishEvent();
-  if (isSameWord(component, "VEVENT")) event_.emplace(zones_);
+  if (isSameWord(component, "VEVENT")) event_.emplace(zones_, interruption_);
   // Zones are known within their calendar.
-  if (isSameWord(component, "VCALENDAR")) zones_ = IcalTimezones(text_.substr(lines_.position()));
+  if (isSameWord(component, "VCALENDAR"))
+    zones_ = IcalTimezones(text_.substr(lines_.position()), interruption_);
 }
 
 void TextReader::end(std::string_view component) {
@@ -234,6 +244,8 @@ void TextReader::finishEvent() {
 
 }  // namespace
 
-std::vector<IcalEvent> readIcalEvents(std::string_view text) { return TextReader(text).read(); }
+std::vector<IcalEvent> readIcalEvents(std::string_view text, Interruption& interruption) {
+  return TextReader(text, interruption).read();
+}
 
 }  // namespace valdrix::desktop

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "desktop/icalendar/IcalEvent.h"
+#include "desktop/icalendar/RecurrenceWalk.h"
 
 namespace valdrix::desktop {
 
@@ -12,7 +13,8 @@ namespace valdrix::desktop {
 /// Each stands for itself: one that makes no sense is left out, one whose END is missing ends where
 /// the next component begins. libical's parser gives up the whole text then, follows nested
 /// components without a bound, and makes an object of every line, most of which nobody asks for; it
-/// is used for the rules alone.
-[[nodiscard]] std::vector<IcalEvent> readIcalEvents(std::string_view text);
+/// is used for the rules alone. When interrupted, gives what was read until then.
+[[nodiscard]] std::vector<IcalEvent> readIcalEvents(std::string_view text,
+                                                    Interruption& interruption);
 
 }  // namespace valdrix::desktop

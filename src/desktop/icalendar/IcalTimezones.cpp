@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t maximumZones = 256;
 constexpr std::size_t maximumChanges = 4096;
+constexpr std::int64_t stepsPerLine = 50;
 
 /// A STANDARD or DAYLIGHT part: from when on clocks show another time.
 struct Observance {
@@ -99,12 +100,13 @@ std::shared_ptr<const CalendarZone> IcalTimezones::find(std::string_view tzid) {
 
 void IcalTimezones::readDefinitions() {
   if (std::exchange(areDefinitionsRead_, true)) return;
-  WorkBudget budget(5'000'000);
+  WorkBudget budget(5'000'000, *interruption_);
   IcalContentLines lines(calendar_);
   while (const auto line = lines.next()) {
     const bool isBegin = line->is("BEGIN");
     const bool isNextCalendar = isBegin && isSameWord(line->value, "VCALENDAR");
-    if (isNextCalendar || definitions_.size() >= maximumZones) return;
+    const bool isEnd = isNextCalendar || definitions_.size() >= maximumZones;
+    if (isEnd || interruption_->isDueAfter(stepsPerLine)) return;
     if (!isBegin || !isSameWord(line->value, "VTIMEZONE")) continue;
     Definition definition = readDefinition(lines, budget);
     auto zone = CalendarZone::named(definition.location);

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "desktop/icalendar/CalendarZone.h"
+#include "desktop/icalendar/RecurrenceWalk.h"
 
 namespace valdrix::desktop {
 
@@ -14,8 +15,9 @@ namespace valdrix::desktop {
 class IcalTimezones {
  public:
   /// `calendar` is the VCALENDAR's text, from which its definitions are read when they are needed;
-  /// it must outlive this.
-  explicit IcalTimezones(std::string_view calendar) : calendar_(calendar) {}
+  /// both must outlive this.
+  IcalTimezones(std::string_view calendar, Interruption& interruption)
+      : calendar_(calendar), interruption_(&interruption) {}
 
   /// The zone of a TZID; null when nobody knows it, as for times in no zone.
   [[nodiscard]] std::shared_ptr<const CalendarZone> find(std::string_view tzid);
@@ -24,6 +26,7 @@ class IcalTimezones {
   void readDefinitions();
 
   std::string_view calendar_;
+  Interruption* interruption_;
   bool areDefinitionsRead_ = false;
   /// Also null, for names that nobody knows.
   std::map<std::string, std::shared_ptr<const CalendarZone>, std::less<>> zones_;

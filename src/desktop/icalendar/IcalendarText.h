@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -19,11 +20,16 @@ namespace valdrix::desktop {
 /// sense is left out, and all others stay.
 class IcalendarText {
  public:
+  /// Whether whoever wants an answer no longer does. It is asked every millisecond or so of work,
+  /// on the thread that asked for the answer, and an empty one never. Once it says so, the answer
+  /// comes at once and holds whatever was found until then.
+  using IsEnding = std::function<bool()>;
+
   /// Longer texts hold no events.
   static constexpr std::size_t maximumSize = std::size_t{64} << 20U;
 
   /// Never fails: a text without any readable event is an empty one.
-  [[nodiscard]] static IcalendarText parse(std::string_view text);
+  [[nodiscard]] static IcalendarText parse(std::string_view text, const IsEnding& isEnding = {});
 
   IcalendarText(IcalendarText&&) noexcept;
   IcalendarText& operator=(IcalendarText&&) noexcept;
@@ -38,13 +44,15 @@ class IcalendarText {
   /// recurrence rules.
   [[nodiscard]] std::vector<platform::Event> occurrences(platform::Instant start,
                                                          platform::Instant end,
-                                                         const QTimeZone& local) const;
+                                                         const QTimeZone& local,
+                                                         const IsEnding& isEnding = {}) const;
 
   /// The earliest start among the occurrences that end after `after`, or have no length and stand
   /// at or after it; nothing when there is none, now or ever. May be earlier than that, never
   /// later: a rule that is too costly to follow counts as having one at once.
   [[nodiscard]] std::optional<platform::Instant> nextStart(platform::Instant after,
-                                                           const QTimeZone& local) const;
+                                                           const QTimeZone& local,
+                                                           const IsEnding& isEnding = {}) const;
 
  private:
   class Events;
