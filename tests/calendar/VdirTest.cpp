@@ -314,6 +314,23 @@ TEST_F(VdirTest, NoticesWhatOthersChange) {
   EXPECT_TRUE(tests::waitFor([&] { return source->calendars()[0].title == "Bee"; }));
 }
 
+TEST_F(VdirTest, ReadsFoldersThatAreMadeAnew) {
+  write("calendars.conf", "~/other/single/s.ics");
+  start();
+  for (int round = 0; round < 12; ++round) {
+    SCOPED_TRACE(round);
+    const Strings folders{"data/a", "data/b", "other/single"};
+    for (const auto& folder : folders) fs::remove_all(home / folder);
+    for (const auto& folder : folders) fs::create_directories(home / folder);
+    // Now and then the folders are found while they are still empty.
+    static_cast<void>(tests::waitFor([] { return false; }, round * 10));
+    Strings written;
+    for (const auto& file : {"data/a/1.ics", "data/a/2.ics", "data/b/3.ics", "other/single/s.ics"})
+      add(file, written.emplace_back(file + std::to_string(round)));
+    ASSERT_TRUE(shows(written));
+  }
+}
+
 TEST_F(VdirTest, MakesFewNoticesOfABurst) {
   add("data/a/first.ics", "first");
   start();

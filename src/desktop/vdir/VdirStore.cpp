@@ -94,8 +94,12 @@ void VdirStore::search() {
   Entries entries;
   entryOfWatch_.clear();
   for (const auto& where : findCalendarFolders(paths_, watch)) {
-    entries.push_back(takeEntry(where));
-    entryOfWatch_.emplace(watches_.add(where.path, where.file), entries.back().get());
+    auto& entry = *entries.emplace_back(takeEntry(where));
+    const int id = watches_.add(where.path, where.file);
+    entryOfWatch_.emplace(id, &entry);
+    // A folder that was made anew may have its predecessor's inode; what came into it before it
+    // was watched went unnoticed.
+    if (std::exchange(entry.watch, id) != id) entry.isScanDue = entry.isAppearanceDue = true;
   }
   // What is left was not found again.
   hasNews_ |= std::ranges::any_of(entries_, [](const auto& entry) { return entry != nullptr; });

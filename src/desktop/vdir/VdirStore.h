@@ -53,6 +53,7 @@ class VdirStore {
  private:
   struct Entry {
     VdirFolder folder;
+    int watch = -1;  ///< since it was scanned last
     bool isScanDue = true;
     bool isAppearanceDue = true;
     bool wasCalendar = false;  ///< in the last snapshot
