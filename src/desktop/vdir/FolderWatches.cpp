@@ -9,6 +9,7 @@ namespace {
 constexpr std::uint32_t events = IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM |
                                  IN_MOVED_TO | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF |
                                  IN_ONLYDIR;
+constexpr int buffersAtOnce = 4;
 
 }  // namespace
 
@@ -52,8 +53,9 @@ FolderWatches::Event FolderWatches::describe(const inotify_event& event) const {
 
 void FolderWatches::read(const std::function<void(const Event&)>& use) {
   alignas(inotify_event) std::array<char, 65536> buffer{};
-  for (ssize_t size = 0;
-       (size = ::read(inotify_.get(), buffer.data(), buffer.size())) > 0 || errno == EINTR;) {
+  for (int count = 0; count < buffersAtOnce; ++count) {
+    const auto size = ::read(inotify_.get(), buffer.data(), buffer.size());
+    if (size <= 0 && errno != EINTR) return;
     for (const char* at = buffer.data(); at < buffer.data() + size;) {
       const auto* const event = reinterpret_cast<const inotify_event*>(at);
       at += sizeof(inotify_event) + event->len;

@@ -40,7 +40,8 @@ class FolderWatches {
   /// same for one folder under whatever path, or -1.
   int add(const std::filesystem::path& folder, const std::string& name);
 
-  /// Takes all events that are there.
+  /// Takes events that are there, some thousand at most: whoever changes files without pause does
+  /// not keep the caller, and `fd` stays readable.
   void read(const std::function<void(const Event&)>& use);
 
  private:
