@@ -159,6 +159,13 @@ TEST_F(DesktopWorkspaceTest, TheDayOfAnOccurrenceIsNotReplacedByAnotherOccurrenc
   EXPECT_EQ(programs.nextCall(), (Words{"gnome-calendar", "--date=11/18/26"}));
   EXPECT_TRUE(workspace.open("ical://ekevent/src:1"));
   EXPECT_EQ(programs.nextCall(), (Words{"gnome-calendar", "--uuid=src:1"}));
+  programs.install("mine");
+  programs.write("config/programs.conf", "showEvent=mine {identifier} {date}");
+  EXPECT_FALSE(workspace.open("ical://date/20261118")) << "days alone are not shown";
+  EXPECT_TRUE(workspace.open("ical://ekevent/src:1"));
+  EXPECT_EQ(programs.nextCall(), (Words{"mine", "src:1", "2026-11-18"}));
+  EXPECT_TRUE(workspace.open("ical://ekevent/src:1"));
+  EXPECT_EQ(programs.nextCall(), (Words{"mine", "src:1", "2026-11-20"}));
 }
 
 TEST_F(DesktopWorkspaceTest, TheUsersOwnCommandsWinAndDataStayData) {

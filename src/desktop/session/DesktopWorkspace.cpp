@@ -56,11 +56,11 @@ std::filesystem::path DesktopWorkspace::standardFile() {
 bool DesktopWorkspace::open(std::string_view url) {
   // One occurrence of many comes as its day and then the event; the day of another occurrence must
   // not take its place.
-  const bool isDayShown = std::exchange(hasJustShownDay_, false);
+  const auto requested = std::exchange(requestedDay_, std::nullopt);
   const bool isUsable = url.size() <= longestUrl && std::ranges::none_of(url, isControl);
   if (!isUsable) return false;
   if (url.starts_with(dayLinks)) return openDay(url.substr(dayLinks.size()));
-  if (url.starts_with(eventLinks)) return openEvent(url.substr(eventLinks.size()), isDayShown);
+  if (url.starts_with(eventLinks)) return openEvent(url.substr(eventLinks.size()), requested);
   if (url.starts_with("https://") || url.starts_with("http://")) return openInBrowser(url);
   if (url.starts_with(settingsLinks)) return handlers_.openSettings && handlers_.openSettings(url);
   return false;
@@ -74,19 +74,22 @@ std::unique_ptr<CalendarProgram> DesktopWorkspace::calendarProgram() const {
 bool DesktopWorkspace::openDay(std::string_view text) {
   const auto day = QDate::fromString(toQString(text), "yyyyMMdd");
   const auto program = calendarProgram();
-  hasJustShownDay_ = day.isValid() && program && showDay(*program, day);
-  return hasJustShownDay_;
+  if (!day.isValid()) return false;
+  requestedDay_ = {day, program && showDay(*program, day)};
+  return requestedDay_->isShown;
 }
 
-bool DesktopWorkspace::openEvent(std::string_view identifier, bool isDayShown) {
+bool DesktopWorkspace::openEvent(std::string_view identifier,
+                                 const std::optional<RequestedDay>& requested) {
   const auto program = calendarProgram();
   if (identifier.empty() || !program) return false;
   const auto place = handlers_.findEvent(identifier);
   const auto event =
       nameOf(toQString(identifier), place ? toQString(place->calendarIdentifier) : QString());
-  const auto day = place ? place->day : QDate();
+  const auto knownDay = place ? place->day : QDate();
+  const auto day = requested ? requested->day : knownDay;
   if (const auto command = program->showEvent(event, day)) return startDetached(*command);
-  return isDayShown || showDay(*program, day);
+  return (requested && requested->isShown) || showDay(*program, day);
 }
 
 bool DesktopWorkspace::showDay(const CalendarProgram& program, QDate day) {

@@ -45,16 +45,21 @@ class DesktopWorkspace final : public platform::Workspace {
   bool open(std::string_view url) override;
 
  private:
+  struct RequestedDay {
+    QDate day;
+    bool isShown;
+  };
+
   [[nodiscard]] std::unique_ptr<CalendarProgram> calendarProgram() const;
   bool openDay(std::string_view day);
-  bool openEvent(std::string_view identifier, bool isDayShown);
+  bool openEvent(std::string_view identifier, const std::optional<RequestedDay>& requested);
   bool showDay(const CalendarProgram& program, QDate day);
 
   Handlers handlers_;
   std::filesystem::path commands_;
   KOrganizerDay korganizerDay_;
-  /// The link before this one showed a day.
-  bool hasJustShownDay_ = false;
+  /// That of the link before this one, if it named one.
+  std::optional<RequestedDay> requestedDay_;
 };
 
 }  // namespace valdrix::desktop
