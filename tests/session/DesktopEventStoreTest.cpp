@@ -42,6 +42,7 @@ struct Source final : CalendarSource {
                      .startDate = start,
                      .endDate = end,
                      .calendar = platform::EventCalendar{identifier, ""}});
+    if (far.startDate >= start && far.startDate < end) all.push_back(far);
     return all;
   }
   [[nodiscard]] Token observeChanges(std::function<void()> block) override {
@@ -50,6 +51,7 @@ struct Source final : CalendarSource {
 
   Reach reach_;
   std::vector<std::string> calendars_;
+  platform::Event far{.eventIdentifier = "far", .startDate = Instant::max()};
   int starts = 0;
   int stops = 0;
   Listeners<> changes;
@@ -177,6 +179,8 @@ TEST_F(DesktopEventStoreTest, SourcesAreOneListWithoutDoubles) {
   EXPECT_EQ(events[1].calendar->calendarIdentifier, "shared#2");
   EXPECT_TRUE(store.occurrenceNear("own1", Instant{}));
   EXPECT_FALSE(store.occurrenceNear("nobody", Instant{}));
+  sources_[0]->far.startDate = Instant(std::chrono::days(100));
+  EXPECT_TRUE(store.occurrenceNear("far", Instant{})) << "it could be listed";
 
   int changes = 0;
   const Token token = store.observeChanges([&] { ++changes; });

@@ -92,6 +92,7 @@ std::vector<EventCalendar> DesktopEventStore::calendars() const {
 
 std::vector<Event> DesktopEventStore::events(
     Instant start, Instant end, const std::vector<std::string>& calendarIdentifiers) const {
+  latestEnd_ = std::max(latestEnd_, end);
   auto wanted = entries();
   std::erase_if(wanted, [&](const Entry& entry) {
     return std::ranges::find(calendarIdentifiers, entry.calendar.calendarIdentifier) ==
@@ -117,12 +118,12 @@ std::vector<Event> DesktopEventStore::events(
 
 std::optional<Event> DesktopEventStore::occurrenceNear(std::string_view eventIdentifier,
                                                        Instant instant) const {
-  // What sources keep at hand anyway.
+  // What sources keep at hand anyway: nothing that can be listed is further away.
   constexpr std::chrono::days before(1);
   constexpr std::chrono::days after(14);
   std::vector<std::string> identifiers;
   for (const auto& calendar : calendars()) identifiers.push_back(calendar.calendarIdentifier);
-  auto all = events(instant - before, instant + after, identifiers);
+  auto all = events(instant - before, std::max<Instant>(instant + after, latestEnd_), identifiers);
   std::erase_if(all, [&](const Event& event) { return event.eventIdentifier != eventIdentifier; });
   const auto nearest = std::ranges::min_element(
       all, {}, [&](const Event& event) { return std::chrono::abs(event.startDate - instant); });

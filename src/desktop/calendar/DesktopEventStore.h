@@ -37,8 +37,8 @@ class DesktopEventStore final : public platform::EventStore {
       const std::vector<std::string>& calendarIdentifiers) const override;
   [[nodiscard]] Token observeChanges(std::function<void()> block) override;
 
-  /// The occurrence of an event that begins nearest to `instant`; nothing when none is known around
-  /// that time.
+  /// The occurrence of an event that begins nearest to `instant`; nothing when none is known
+  /// between the day before and two weeks later, or the latest end that `events` was asked for.
   [[nodiscard]] std::optional<platform::Event> occurrenceNear(std::string_view eventIdentifier,
                                                               platform::Instant instant) const;
 
@@ -63,6 +63,7 @@ class DesktopEventStore final : public platform::EventStore {
   std::vector<Token> sourceObservers_;
   Token recordObserver_;
   bool isStarted_ = false;
+  mutable platform::Instant latestEnd_{};
   std::vector<std::function<void(bool)>> completions_;
   Lifetime lifetime_;
 };
