@@ -180,7 +180,9 @@ void EventReader::addAdditions(const IcalContentLine& line) {
 class TextReader {
  public:
   TextReader(std::string_view text, Interruption& interruption)
-      : text_(text), lines_(text), zones_(text, interruption), interruption_(interruption) {}
+      : text_(text), lines_(text), zones_(interruption), interruption_(interruption) {
+    zones_.enter(text);
+  }
 
   std::vector<IcalEvent> read();
 
@@ -226,8 +228,7 @@ void TextReader::begin(std::string_view component) {
   finishEvent();
   if (isSameWord(component, "VEVENT")) event_.emplace(zones_, interruption_);
   // Zones are known within their calendar.
-  if (isSameWord(component, "VCALENDAR"))
-    zones_ = IcalTimezones(text_.substr(lines_.position()), interruption_);
+  if (isSameWord(component, "VCALENDAR")) zones_.enter(text_.substr(lines_.position()));
 }
 
 void TextReader::end(std::string_view component) {

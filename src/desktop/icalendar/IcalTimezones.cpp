@@ -29,11 +29,13 @@ struct Definition {
   std::string tzid;
   std::string location;  ///< a name that libical's writers add
   std::vector<CalendarZone::Change> changes{};
+  bool isTooCostly = false;
 };
 
-void addChanges(const Observance& part, WorkBudget& budget,
+/// Whether the budget sufficed.
+bool addChanges(const Observance& part, WorkBudget& budget,
                 std::vector<CalendarZone::Change>& changes) {
-  if (!part.start || !part.before || !part.after) return;
+  if (!part.start || !part.before || !part.after) return true;
   const auto add = [&](WallTime wall) {
     const std::chrono::sys_seconds at(wall.time_since_epoch() - *part.before);
     changes.push_back({.at = at, .before = *part.before, .after = *part.after});
@@ -44,11 +46,13 @@ void addChanges(const Observance& part, WorkBudget& budget,
     return std::chrono::local_days(std::chrono::year(number) / 1 / 1);
   };
   for (const RecurrenceRule& rule : part.rules)
-    rule.walk(part.start->wall, false, CalendarZone(*part.before),
-              {.from = year(1960), .to = year(2200)}, budget, add);
-  if (part.rules.empty() && !add(part.start->wall)) return;
+    if (rule.walk(part.start->wall, false, CalendarZone(*part.before),
+                  {.from = year(1960), .to = year(2200)}, budget, add) == WalkEnd::tooCostly)
+      return false;
+  if (part.rules.empty() && !add(part.start->wall)) return true;
   for (const WallTime addition : part.additions)
-    if (!add(addition)) return;
+    if (!add(addition)) break;
+  return true;
 }
 
 void read(const IcalContentLine& line, Observance& part) {
@@ -74,7 +78,7 @@ Definition readDefinition(IcalContentLines& lines, WorkBudget& budget) {
     const bool isEnd = line->is("END");
     const bool isPart = isSameWord(line->value, "STANDARD") || isSameWord(line->value, "DAYLIGHT");
     if ((isBegin || isEnd) && !isPart) break;
-    if (isEnd) addChanges(part, budget, definition.changes);
+    if (isEnd && !addChanges(part, budget, definition.changes)) definition.isTooCostly = true;
     if (isBegin || isEnd) part = {};
     if (line->is("TZID")) definition.tzid = line->value;
     if (line->is("X-LIC-LOCATION")) definition.location = line->value;
@@ -84,6 +88,13 @@ Definition readDefinition(IcalContentLines& lines, WorkBudget& budget) {
 }
 
 }  // namespace
+
+void IcalTimezones::enter(std::string_view calendar) {
+  calendar_ = calendar;
+  areDefinitionsRead_ = false;
+  zones_.clear();
+  definitions_.clear();
+}
 
 std::shared_ptr<const CalendarZone> IcalTimezones::find(std::string_view tzid) {
   if (const auto known = zones_.find(tzid); known != zones_.end()) return known->second;
@@ -100,17 +111,16 @@ std::shared_ptr<const CalendarZone> IcalTimezones::find(std::string_view tzid) {
 
 void IcalTimezones::readDefinitions() {
   if (std::exchange(areDefinitionsRead_, true)) return;
-  WorkBudget budget(5'000'000, *interruption_);
   IcalContentLines lines(calendar_);
   while (const auto line = lines.next()) {
     const bool isBegin = line->is("BEGIN");
     const bool isNextCalendar = isBegin && isSameWord(line->value, "VCALENDAR");
     const bool isEnd = isNextCalendar || definitions_.size() >= maximumZones;
-    if (isEnd || interruption_->isDueAfter(stepsPerLine)) return;
+    if (isEnd || interruption_.isDueAfter(stepsPerLine)) return;
     if (!isBegin || !isSameWord(line->value, "VTIMEZONE")) continue;
-    Definition definition = readDefinition(lines, budget);
+    Definition definition = readDefinition(lines, budget_);
     auto zone = CalendarZone::named(definition.location);
-    if (!zone && !definition.changes.empty())
+    if (!zone && !definition.changes.empty() && !definition.isTooCostly)
       zone = std::make_shared<const CalendarZone>(std::move(definition.changes));
     if (zone) definitions_.emplace(std::move(definition.tzid), std::move(zone));
   }

@@ -10,23 +10,29 @@
 
 namespace valdrix::desktop {
 
-/// The zones that one VCALENDAR names. What the system knows by name is better kept than what a
-/// file says of it, so the text's own definitions (VTIMEZONE) count only for names unknown to it.
+/// The zones that a text names. What the system knows by name is better kept than what a file says
+/// of it, so the text's own definitions (VTIMEZONE) count only for names unknown to it, and within
+/// their VCALENDAR.
 class IcalTimezones {
  public:
-  /// `calendar` is the VCALENDAR's text, from which its definitions are read when they are needed;
-  /// both must outlive this.
-  IcalTimezones(std::string_view calendar, Interruption& interruption)
-      : calendar_(calendar), interruption_(&interruption) {}
+  /// `interruption` must outlive this.
+  explicit IcalTimezones(Interruption& interruption) : interruption_(interruption) {}
 
-  /// The zone of a TZID; null when nobody knows it, as for times in no zone.
+  /// From now on counts what `calendar` defines, the text from a VCALENDAR on. Its definitions are
+  /// read when they are needed, so it must outlive this.
+  void enter(std::string_view calendar);
+
+  /// The zone of a TZID; null when nobody knows it, as for times in no zone, and when the text has
+  /// asked for too much already.
   [[nodiscard]] std::shared_ptr<const CalendarZone> find(std::string_view tzid);
 
  private:
   void readDefinitions();
 
+  Interruption& interruption_;
+  /// For the rules of all definitions of the text.
+  WorkBudget budget_{10'000'000, interruption_};
   std::string_view calendar_;
-  Interruption* interruption_;
   bool areDefinitionsRead_ = false;
   /// Also null, for names that nobody knows.
   std::map<std::string, std::shared_ptr<const CalendarZone>, std::less<>> zones_;
