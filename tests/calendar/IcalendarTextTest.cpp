@@ -4,6 +4,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QDateTime>
@@ -21,6 +22,7 @@ using desktop::WallTime;
 using platform::Instant;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 const QTimeZone paris("Europe/Paris");
 const QTimeZone newYork("America/New_York");
@@ -208,12 +210,36 @@ TEST(IcalendarTextTest, BoundsHostileTexts) {
     many += "BEGIN:VEVENT\nDTSTART:19700101T000000Z\nDURATION:P9000W\nRRULE:FREQ=SECONDLY\n";
   const std::string title =
       "BEGIN:VEVENT\nDTSTART:20261123T130000Z\nSUMMARY:" + std::string(100'000, 'x');
+  std::string names;
+  for (int number = 0; number < 2'000; ++number)
+    names +=
+        "BEGIN:VEVENT\nDTSTART;TZID=/" + std::to_string(number) + "/Asia/Tokyo:20261123T130000\n";
   EXPECT_TRUE(IcalendarText::parse(nested).isEmpty());
   EXPECT_LE(IcalendarText::parse(many).occurrences(now, now + 24h, paris).size(), 100'000U);
   EXPECT_LE(IcalendarText::parse(title).occurrences(now, now + 24h, paris).at(0).title->size(),
             4096U);
+  EXPECT_THAT(IcalendarText::parse(names).occurrences(now - 24h, now, paris), SizeIs(1000));
   EXPECT_THAT(IcalendarText::parse(title).occurrences(Instant::max(), Instant::min(), paris),
               IsEmpty());
+}
+
+TEST(IcalendarTextTest, EndsWhenNobodyWaitsAnyMore) {
+  const Instant now = instant("20261123T120000", paris);
+  std::string events, dates = "BEGIN:VEVENT\nDTSTART:20261123T130000Z\nEXDATE:";
+  for (int number = 0; number < 10'000; ++number)
+    events += "BEGIN:VEVENT\nDTSTART:19700101T000000Z\nRRULE:FREQ=SECONDLY;COUNT=2000000000\n";
+  for (int number = 0; number < 100'000; ++number) dates += "20261123,";
+  int questions = 0;
+  const auto isEnding = [&] { return ++questions == 3; };
+  const auto calendar = IcalendarText::parse(events);
+  (void)calendar.nextStart(now, paris, isEnding);
+  EXPECT_EQ(std::exchange(questions, 0), 3);
+  EXPECT_THAT(calendar.occurrences(now, now + 24h, paris, isEnding), SizeIs(testing::Lt(10U)));
+  EXPECT_EQ(std::exchange(questions, 0), 3);
+  EXPECT_THAT(IcalendarText::parse(events, isEnding).occurrences(now, now + 24h, paris), IsEmpty());
+  EXPECT_EQ(std::exchange(questions, 0), 3);
+  (void)IcalendarText::parse(dates, isEnding);
+  EXPECT_EQ(questions, 3);
 }
 
 /// Rules that are followed without libical must agree with it.

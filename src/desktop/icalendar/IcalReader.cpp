@@ -150,6 +150,7 @@ void EventReader::readRecurrence(const IcalContentLine& line) {
   } else if (line.is("RDATE")) {
     addAdditions(line);
   } else if (line.is("EXDATE")) {
+    if (recurrence().exceptions.size() >= maximumListed) return;
     const Frame frame = frameOf(line);
     IcalList values(line.value);
     while (const auto value = values.next()) {
@@ -160,6 +161,7 @@ void EventReader::readRecurrence(const IcalContentLine& line) {
 }
 
 void EventReader::addAdditions(const IcalContentLine& line) {
+  if (recurrence().additions.size() >= maximumListed) return;
   const Frame frame = frameOf(line);
   IcalList values(line.value);
   while (const auto value = values.next()) {

@@ -11,7 +11,9 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr std::size_t maximumZones = 256;
+/// More than there are zones. Asking the system for one that it does not know takes it some time.
+constexpr std::size_t maximumNames = 1000;
+constexpr std::size_t maximumDefinitions = 256;
 constexpr std::size_t maximumChanges = 4096;
 constexpr std::int64_t stepsPerLine = 50;
 
@@ -92,21 +94,21 @@ Definition readDefinition(IcalContentLines& lines, WorkBudget& budget) {
 void IcalTimezones::enter(std::string_view calendar) {
   calendar_ = calendar;
   areDefinitionsRead_ = false;
-  zones_.clear();
   definitions_.clear();
 }
 
 std::shared_ptr<const CalendarZone> IcalTimezones::find(std::string_view tzid) {
-  if (const auto known = zones_.find(tzid); known != zones_.end()) return known->second;
-  auto zone = CalendarZone::named(tzid);
-  if (!zone) {
-    readDefinitions();
-    const auto defined = definitions_.find(tzid);
-    if (defined != definitions_.end()) zone = defined->second;
-  }
-  if (zones_.size() >= maximumZones) zones_.clear();
-  zones_.emplace(tzid, zone);
-  return zone;
+  if (auto zone = knownToSystem(tzid)) return zone;
+  readDefinitions();
+  const auto defined = definitions_.find(tzid);
+  return defined == definitions_.end() ? nullptr : defined->second;
+}
+
+std::shared_ptr<const CalendarZone> IcalTimezones::knownToSystem(std::string_view name) {
+  constexpr std::int64_t stepsPerName = 2000;
+  if (const auto known = names_.find(name); known != names_.end()) return known->second;
+  if (names_.size() >= maximumNames || interruption_.isDueAfter(stepsPerName)) return nullptr;
+  return names_.emplace(name, CalendarZone::named(name)).first->second;
 }
 
 void IcalTimezones::readDefinitions() {
@@ -115,11 +117,11 @@ void IcalTimezones::readDefinitions() {
   while (const auto line = lines.next()) {
     const bool isBegin = line->is("BEGIN");
     const bool isNextCalendar = isBegin && isSameWord(line->value, "VCALENDAR");
-    const bool isEnd = isNextCalendar || definitions_.size() >= maximumZones;
+    const bool isEnd = isNextCalendar || definitions_.size() >= maximumDefinitions;
     if (isEnd || interruption_.isDueAfter(stepsPerLine)) return;
     if (!isBegin || !isSameWord(line->value, "VTIMEZONE")) continue;
     Definition definition = readDefinition(lines, budget_);
-    auto zone = CalendarZone::named(definition.location);
+    auto zone = knownToSystem(definition.location);
     if (!zone && !definition.changes.empty() && !definition.isTooCostly)
       zone = std::make_shared<const CalendarZone>(std::move(definition.changes));
     if (zone) definitions_.emplace(std::move(definition.tzid), std::move(zone));

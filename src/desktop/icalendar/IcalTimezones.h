@@ -27,6 +27,7 @@ class IcalTimezones {
   [[nodiscard]] std::shared_ptr<const CalendarZone> find(std::string_view tzid);
 
  private:
+  [[nodiscard]] std::shared_ptr<const CalendarZone> knownToSystem(std::string_view name);
   void readDefinitions();
 
   Interruption& interruption_;
@@ -34,8 +35,8 @@ class IcalTimezones {
   WorkBudget budget_{10'000'000, interruption_};
   std::string_view calendar_;
   bool areDefinitionsRead_ = false;
-  /// Also null, for names that nobody knows.
-  std::map<std::string, std::shared_ptr<const CalendarZone>, std::less<>> zones_;
+  /// What the system said to each name in the text: null, for many.
+  std::map<std::string, std::shared_ptr<const CalendarZone>, std::less<>> names_;
   std::map<std::string, std::shared_ptr<const CalendarZone>, std::less<>> definitions_;
 };
 
