@@ -102,7 +102,7 @@ int VdirFolder::directory() {
   return directory_.get();
 }
 
-bool VdirFolder::readNext(const VdirHorizon& horizon) {
+bool VdirFolder::readNext(const VdirHorizon& horizon, const std::atomic<bool>& isStopped) {
   auto& entry = *queue_.back();
   queue_.pop_back();
   entry.second.isQueued = false;
@@ -111,11 +111,12 @@ bool VdirFolder::readNext(const VdirHorizon& horizon) {
                                 entry.second.stamp);
   if (queue_.empty()) directory_ = UniqueFd();
   if (reading == VdirReading::gone) return forget(entry.first);
-  return parse(entry, reading == VdirReading::read ? bytes : std::string_view(), horizon);
+  return parse(entry, reading == VdirReading::read ? bytes : std::string_view(), horizon,
+               isStopped);
 }
 
 bool VdirFolder::parse(VdirFiles::value_type& entry, std::string_view text,
-                       const VdirHorizon& horizon) {
+                       const VdirHorizon& horizon, const std::atomic<bool>& isStopped) {
   const bool isOther = noteCollection(entry, text);
   auto& next = entry.second.nextStart;
   const auto glance = glanceNextStart(text, horizon.since());
@@ -123,10 +124,13 @@ bool VdirFolder::parse(VdirFiles::value_type& entry, std::string_view text,
     next = *glance;
     return show(entry.first, {}) || isOther;
   }
-  const auto calendar = IcalendarText::parse(text);
-  next = calendar.nextStart(horizon.since(), horizon.zone).value_or(VdirFile::never);
+  const auto isEnding = [&isStopped] { return isStopped.load(); };
+  const auto calendar = IcalendarText::parse(text, isEnding);
+  next = calendar.nextStart(horizon.since(), horizon.zone, isEnding).value_or(VdirFile::never);
   if (!horizon.mayHold(next)) return show(entry.first, {}) || isOther;
-  return show(entry.first, calendar.occurrences(horizon.from, horizon.to, horizon.zone)) || isOther;
+  return show(entry.first,
+              calendar.occurrences(horizon.from, horizon.to, horizon.zone, isEnding)) ||
+         isOther;
 }
 
 bool VdirFolder::show(const std::string& name, std::vector<Event> events) {

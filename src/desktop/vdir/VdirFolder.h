@@ -39,8 +39,9 @@ class VdirFolder {
   /// Queues one file that may have come, changed or gone.
   void queue(std::string_view name);
   [[nodiscard]] bool hasQueue() const { return !queue_.empty(); }
-  /// Reads the next file of the queue. Whether what this folder holds is another now.
-  bool readNext(const VdirHorizon& horizon);
+  /// Reads the next file of the queue. Whether what this folder holds is another now. Once
+  /// `isStopped`, what is known of that file is of no use any more.
+  bool readNext(const VdirHorizon& horizon, const std::atomic<bool>& isStopped);
   /// Reads the calendar's name and colour. Whether they changed.
   bool readAppearance();
   /// Whether a file of this name, when it comes or goes, changes what this folder holds.
@@ -61,7 +62,8 @@ class VdirFolder {
  private:
   void queue(VdirFiles::value_type& entry);
   void scanFile(int folder, const char* name);
-  bool parse(VdirFiles::value_type& entry, std::string_view text, const VdirHorizon& horizon);
+  bool parse(VdirFiles::value_type& entry, std::string_view text, const VdirHorizon& horizon,
+             const std::atomic<bool>& isStopped);
   bool show(const std::string& name, std::vector<platform::Event> events);
   bool noteCollection(VdirFiles::value_type& entry, std::string_view text);
   bool forget(const std::string& name);

@@ -168,7 +168,7 @@ bool VdirStore::workOnce() {
 }
 
 void VdirStore::readNext(Entry& entry) {
-  hasNews_ |= entry.folder.readNext(horizon_);
+  hasNews_ |= entry.folder.readNext(horizon_, isStopped_);
   isIndexOld_ = true;
   ++readSinceTrim_;
 }

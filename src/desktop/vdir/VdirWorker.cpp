@@ -85,6 +85,8 @@ void VdirWorker::takeTurn(VdirStore& store) {
     store.search();
   }
   store.work(turn);
+  // What was interrupted is not to be shown, nor kept for the next start.
+  if (isStopped_) return;
   const auto now = Clock::now();
   // Whoever waits for the whole list after the start does not wait for the next notice, too.
   const bool isWhole = !store.hasWork() && !store.isSearchDue();

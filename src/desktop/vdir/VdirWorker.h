@@ -26,7 +26,7 @@ class VdirWorker {
 
   /// `publish` is called on the thread.
   VdirWorker(VdirPaths paths, VdirHorizon horizon, Publish publish);
-  /// Waits until the thread has ended, which is soon.
+  /// Waits until the thread has ended, which takes milliseconds unless a disk does not answer.
   ~VdirWorker();
   VdirWorker(const VdirWorker&) = delete;
   VdirWorker& operator=(const VdirWorker&) = delete;
