@@ -54,8 +54,6 @@ QStringList userLanguages() {
 
 CalendarServerRegistry::CalendarServerRegistry(SessionBus& bus, Callbacks callbacks)
     : bus_(bus), callbacks_(std::move(callbacks)), hasRun_(hasRunBefore()) {
-  news_.setSingleShot(true);
-  QObject::connect(&news_, &QTimer::timeout, &news_, [this] { refresh(); });
   connections_ = bus_.observeConnections([this](QDBusConnection& connection) { join(connection); });
   if (auto connection = bus_.connection()) join(*connection);
 }
@@ -71,7 +69,7 @@ void CalendarServerRegistry::join(QDBusConnection& connection) {
                    [this](const QString& name, const QString& oldOwner, const QString& newOwner) {
                      handleOwner(name, oldOwner, newOwner);
                    });
-  watchChanges(connection);
+  if (isStarted_) watchChanges();
   ask("ListActivatableNames", activatable_, [this] {
     ask("ListNames", running_, [this] {
       isBusKnown_ = true;
@@ -119,12 +117,13 @@ std::optional<QString> CalendarServerRegistry::factory() const { return service(
 
 void CalendarServerRegistry::start() {
   isStarted_ = true;
+  watchChanges();
   refresh();
 }
 
 void CalendarServerRegistry::stop() {
   isStarted_ = false;
-  news_.stop();
+  news_.reset();
   calendars_.clear();
   conditions_.clear();
 }
@@ -169,16 +168,21 @@ QString CalendarServerRegistry::condition(const std::string& calendarIdentifier)
   return found == conditions_.end() ? QString() : found->second;
 }
 
-void CalendarServerRegistry::watchChanges(QDBusConnection& connection) {
+void CalendarServerRegistry::watchChanges() {
+  auto connection = bus_.connection();
+  if (!connection) return;
+  news_ = std::make_unique<QTimer>();
+  news_->setSingleShot(true);
+  QObject::connect(news_.get(), &QTimer::timeout, news_.get(), [this] { refresh(); });
   // Whoever sends them: for a sender's sake the library would ask the bus, and wait.
   const QString anyone;
   for (const char* signal : {"InterfacesAdded", "InterfacesRemoved"})
-    connection.connect(anyone, managerPath, objectManager, QLatin1String(signal), &news_,
-                       SLOT(start()));
+    connection->connect(anyone, managerPath, objectManager, QLatin1String(signal), news_.get(),
+                        SLOT(start()));
   const QString anyPath;
-  connection.connect(anyone, anyPath, QStringLiteral("org.freedesktop.DBus.Properties"),
-                     QStringLiteral("PropertiesChanged"), {sourceInterface}, QString(), &news_,
-                     SLOT(start()));
+  connection->connect(anyone, anyPath, QStringLiteral("org.freedesktop.DBus.Properties"),
+                      QStringLiteral("PropertiesChanged"), {sourceInterface}, QString(),
+                      news_.get(), SLOT(start()));
 }
 
 }  // namespace valdrix::desktop

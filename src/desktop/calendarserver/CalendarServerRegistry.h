@@ -46,7 +46,8 @@ class CalendarServerRegistry {
 
   /// Whether it runs, or may be started.
   [[nodiscard]] bool isPresent() const;
-  /// Asks for the calendars, now and whenever they change.
+  /// Asks for the calendars, now and whenever they change; before, no more is heard than which
+  /// programs are on the bus.
   void start();
   /// Asks no more, and forgets what it heard.
   void stop();
@@ -69,7 +70,7 @@ class CalendarServerRegistry {
   void handleOwner(const QString& name, const QString& oldOwner, const QString& newOwner);
   [[nodiscard]] std::optional<QString> service(const char* kind) const;
   void takeList(const QDBusMessage& reply);
-  void watchChanges(QDBusConnection& connection);
+  void watchChanges();
 
   SessionBus& bus_;
   Callbacks callbacks_;
@@ -82,8 +83,9 @@ class CalendarServerRegistry {
   QStringList running_;
   std::vector<platform::EventCalendar> calendars_;
   std::map<std::string, QString> conditions_;
-  /// Fires when the server has said that something is new.
-  QTimer news_;
+  /// Fires when the server has said that something is new. Made anew for each connection, while
+  /// started; what is subscribed to ends with it.
+  std::unique_ptr<QTimer> news_;
   /// Made anew for each connection; owns the calls on it.
   std::unique_ptr<QDBusServiceWatcher> services_;
   Token connections_;
