@@ -2,6 +2,7 @@
 // change.
 
 #include <algorithm>
+#include <array>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -23,6 +24,7 @@
 #include "desktop/vdir/CalendarPlaces.h"
 #include "desktop/vdir/NextStartGlance.h"
 #include "desktop/vdir/VdirIndex.h"
+#include "desktop/vdir/VdirSnapshot.h"
 #include "desktop/vdir/VdirSource.h"
 #include "tests/support/Unprivileged.h"
 #include "tests/support/WaitFor.h"
@@ -180,6 +182,28 @@ TEST(NextStartGlance, SaysNothingThatTheParserWouldNot) {
   }
 }
 
+TEST(VdirSnapshot, HoldsWhatIsNearestToTodayOfTooMuch) {
+  const platform::Instant today = std::chrono::sys_days(std::chrono::January / 1 / 2026);
+  constexpr int limit = VdirSnapshot::maximumSize;
+  for (const auto& [first, last, firstHeld, lastHeld] :
+       std::vector<std::array<int, 4>>{{-10, limit - 10, -10, limit - 10},
+                                       {-limit, limit * 2, 0, limit},
+                                       {-limit, limit / 4, limit / 4 - limit, limit / 4}}) {
+    std::vector<VdirSnapshot::Occurrence> occurrences;
+    for (int hour = last - 1; hour >= first; --hour) {
+      const auto start = today + hours(hour);
+      occurrences.push_back({std::make_shared<const platform::Event>(
+                                 platform::Event{.startDate = start, .endDate = start + hours(1)}),
+                             0});
+    }
+    const VdirSnapshot snapshot({{.calendarIdentifier = "c", .title = "c"}}, occurrences, today);
+    const auto events = snapshot.events(platform::Instant::min(), platform::Instant::max(), {"c"});
+    ASSERT_EQ(events.size(), static_cast<std::size_t>(lastHeld - firstHeld));
+    EXPECT_EQ(events.front().startDate, today + hours(firstHeld));
+    EXPECT_EQ(events.back().startDate, today + hours(lastHeld - 1));
+  }
+}
+
 TEST_F(VdirTest, FindsEachFolderOnceWhateverLeadsThere) {
   for (const auto* folder :
        {"data/b", "data/a", "data/.hidden", "k/work/one", "k/work/two", "k/other/two", "sync/[x]"})
@@ -317,13 +341,13 @@ TEST_F(VdirTest, NoticesWhatOthersChange) {
 TEST_F(VdirTest, ReadsFoldersThatAreMadeAnew) {
   write("calendars.conf", "~/other/single/s.ics");
   start();
-  for (int round = 0; round < 12; ++round) {
+  for (int round = 0; round < 6; ++round) {
     SCOPED_TRACE(round);
     const Strings folders{"data/a", "data/b", "other/single"};
     for (const auto& folder : folders) fs::remove_all(home / folder);
     for (const auto& folder : folders) fs::create_directories(home / folder);
     // Now and then the folders are found while they are still empty.
-    static_cast<void>(tests::waitFor([] { return false; }, round * 10));
+    static_cast<void>(tests::waitFor([] { return false; }, round * 20));
     Strings written;
     for (const auto& file : {"data/a/1.ics", "data/a/2.ics", "data/b/3.ics", "other/single/s.ics"})
       add(file, written.emplace_back(file + std::to_string(round)));

@@ -67,8 +67,8 @@ std::string VdirCalendars::accountFor(const fs::path& root) const {
   return isBelowHome ? '~' + path.substr(home_.size()) : path;
 }
 
-VdirSnapshot VdirCalendars::snapshot() && {
-  return {std::move(calendars_), std::move(occurrences_)};
+VdirSnapshot VdirCalendars::snapshot(platform::Instant today) && {
+  return {std::move(calendars_), std::move(occurrences_), today};
 }
 
 }  // namespace valdrix::desktop

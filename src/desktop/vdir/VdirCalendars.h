@@ -19,7 +19,8 @@ class VdirCalendars {
   explicit VdirCalendars(const std::map<std::string, std::string>& environment);
 
   void add(const VdirFolder& folder);
-  [[nodiscard]] VdirSnapshot snapshot() &&;
+  /// `today` as in `VdirSnapshot`.
+  [[nodiscard]] VdirSnapshot snapshot(platform::Instant today) &&;
 
  private:
   std::uint32_t addCalendar(const CalendarFolder& where, const std::filesystem::path& path,

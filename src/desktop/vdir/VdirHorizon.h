@@ -13,6 +13,7 @@ struct VdirHorizon {
   platform::Instant from{};
   platform::Instant to{};
   QTimeZone zone{};
+  platform::Instant today{};  ///< its beginning
   bool operator==(const VdirHorizon&) const = default;
 
   /// By how much an occurrence without a zone of its own moves, at most, when the user travels.

@@ -1,6 +1,8 @@
 #include "desktop/vdir/VdirSnapshot.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -16,11 +18,39 @@ bool overlaps(const Event& event, Instant start, Instant end) {
   return event.startDate < end && (event.endDate > start || (isMoment && event.startDate >= start));
 }
 
+std::size_t sizeOf(const std::optional<std::string>& text) { return text ? text->size() : 0; }
+
+/// How many, from the first on, can be held.
+std::size_t heldOf(const std::vector<VdirSnapshot::Occurrence>& occurrences) {
+  constexpr std::size_t page = 1024;
+  std::size_t weight = 0;
+  const auto isTooMuch = [&weight](const VdirSnapshot::Occurrence& each) {
+    const auto& event = *each.event;
+    weight += 1 + (sizeOf(event.eventIdentifier) + sizeOf(event.title)) / page;
+    return weight > VdirSnapshot::maximumSize;
+  };
+  return static_cast<std::size_t>(std::ranges::find_if(occurrences, isTooMuch) -
+                                  occurrences.begin());
+}
+
+void keepNearest(std::vector<VdirSnapshot::Occurrence>& occurrences, Instant today) {
+  if (heldOf(occurrences) == occurrences.size()) return;
+  const auto order = [today](const VdirSnapshot::Occurrence& each) {
+    const auto start = each.event->startDate;
+    const bool isOver = start < today && each.event->endDate <= today;
+    const auto time = start.time_since_epoch();
+    return std::pair(isOver, isOver ? -time : time);
+  };
+  std::ranges::stable_sort(occurrences, {}, order);
+  occurrences.resize(heldOf(occurrences));
+}
+
 }  // namespace
 
 VdirSnapshot::VdirSnapshot(std::vector<platform::EventCalendar> calendars,
-                           std::vector<Occurrence> occurrences)
+                           std::vector<Occurrence> occurrences, Instant today)
     : calendars_(std::move(calendars)), occurrences_(std::move(occurrences)) {
+  keepNearest(occurrences_, today);
   std::ranges::stable_sort(occurrences_, {},
                            [](const Occurrence& each) { return each.event->startDate; });
   latestEnds_.reserve(occurrences_.size());

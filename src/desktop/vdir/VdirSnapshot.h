@@ -14,6 +14,10 @@ namespace valdrix::desktop {
 /// looking at the others. Immutable, so that threads can share it.
 class VdirSnapshot {
  public:
+  /// So many occurrences are held at most, or fewer when each has kilobytes of text, so that
+  /// whatever files say, copying and sorting those of a window takes less than a frame.
+  static constexpr std::size_t maximumSize = 4000;
+
   struct Occurrence {
     /// Without its calendar.
     std::shared_ptr<const platform::Event> event;
@@ -21,7 +25,10 @@ class VdirSnapshot {
   };
 
   VdirSnapshot() = default;
-  VdirSnapshot(std::vector<platform::EventCalendar> calendars, std::vector<Occurrence> occurrences);
+  /// Of too many occurrences, those nearest to `today` are held: the earliest that end after it,
+  /// then the latest of those before.
+  VdirSnapshot(std::vector<platform::EventCalendar> calendars, std::vector<Occurrence> occurrences,
+               platform::Instant today);
 
   [[nodiscard]] const std::vector<platform::EventCalendar>& calendars() const { return calendars_; }
   /// As `EventStore::events`; ordered by start.

@@ -56,7 +56,7 @@ void VdirSource::stop() {
 
 VdirHorizon VdirSource::horizon() const {
   const auto today = userCalendar_.startOfDay(userCalendar_.now());
-  return {today - behind_, today + ahead_, userCalendar_.zone()};
+  return {today - behind_, today + ahead_, userCalendar_.zone(), today};
 }
 
 void VdirSource::requestHorizon() const {

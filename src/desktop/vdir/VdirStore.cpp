@@ -30,6 +30,8 @@ VdirStore::VdirStore(VdirPaths paths, const std::atomic<bool>& isStopped)
 
 void VdirStore::setHorizon(const VdirHorizon& horizon) {
   const bool isUsable = horizon.isCoveredFrom(since_);
+  // Of more occurrences than a snapshot holds, others are nearest.
+  hasNews_ |= !entries_.empty() && horizon.today != horizon_.today;
   horizon_ = horizon;
   if (!isUsable) index_ = {};
   since_ = isUsable ? std::max(since_, horizon.since()) : horizon.since();
@@ -186,7 +188,7 @@ std::shared_ptr<const VdirSnapshot> VdirStore::takeSnapshot() {
     entry->wasCalendar = entry->folder.isCalendar();
     calendars.add(entry->folder);
   }
-  return std::make_shared<const VdirSnapshot>(std::move(calendars).snapshot());
+  return std::make_shared<const VdirSnapshot>(std::move(calendars).snapshot(horizon_.today));
 }
 
 void VdirStore::saveIndex() {
