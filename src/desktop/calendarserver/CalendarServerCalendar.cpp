@@ -22,6 +22,7 @@ constexpr double longestRest = 2;
 constexpr double mostOfTheTime = 0.5;
 constexpr int mostCallsUnderWay = 32;
 constexpr std::size_t mostZones = 200;
+constexpr qsizetype largestZone = 100'000;  // several times what two centuries of changes take
 
 QString queryTime(platform::Instant instant) {
   using namespace std::chrono;
@@ -181,7 +182,7 @@ void CalendarServerCalendar::completeObjects() {
 
 void CalendarServerCalendar::findZones() {
   worker_.run([objects = objects_](
-                  const std::atomic_bool& isEnding) { return objects->unknownZones(isEnding); },
+                  const std::atomic_bool& isEnding) { return objects->findUnknownZones(isEnding); },
               lifetime_.weak([this](const std::set<QString>& unknown) {
                 for (const auto& zone : unknown)
                   if (!zones_.contains(zone) && zones_.size() < mostZones) {
@@ -196,17 +197,15 @@ void CalendarServerCalendar::completeZones() {
   if (unknownZones_.isEmpty()) return expand();
   const auto zone = unknownZones_.takeLast();
   call("GetTimezone", {zone}, [this, zone](const QDBusMessage& reply) {
-    zones_[zone] = textOf(reply);
+    if (auto text = textOf(reply); text.size() <= largestZone) zones_[zone] = std::move(text);
     completeZones();
   });
 }
 
 void CalendarServerCalendar::expand() {
-  QStringList zones;
-  for (const auto& [name, text] : zones_) zones.append(text);
   // The texts are let go over there too.
   worker_.run(
-      [objects = std::exchange(objects_, nullptr), zones, span = *fetchedSpan_,
+      [objects = std::exchange(objects_, nullptr), zones = zones_, span = *fetchedSpan_,
        prefix = uid_ + ":"](const std::atomic_bool& isEnding) -> Events {
         return std::make_shared<const std::vector<platform::Event>>(
             objects->occurrences(span.start, span.end, span.local, zones, prefix, isEnding));

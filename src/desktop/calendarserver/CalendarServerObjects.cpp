@@ -1,6 +1,7 @@
 #include "desktop/calendarserver/CalendarServerObjects.h"
 
 #include <algorithm>
+#include <ctime>
 #include <iterator>
 #include <string_view>
 #include <tuple>
@@ -16,6 +17,27 @@ namespace valdrix::desktop {
 namespace {
 
 constexpr std::size_t maximumUidSize = 10000;
+
+/// Ends a piece of work.
+class Limit {
+ public:
+  explicit Limit(const std::atomic_bool& isEnding) : isEnding_(isEnding) {}
+
+  [[nodiscard]] bool isReached() const {
+    constexpr double mostSeconds = 5;
+    return isEnding_ || threadSeconds() - start_ > mostSeconds;
+  }
+
+ private:
+  static double threadSeconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+  }
+
+  const std::atomic_bool& isEnding_;
+  double start_ = threadSeconds();
+};
 
 /// What has to be known of a text before its events are read.
 struct Outline {
@@ -44,7 +66,7 @@ Outline outline(std::string_view text) {
   return outline;
 }
 
-/// One text of all objects of a UID and the zones that they may name.
+/// One text of all objects of a UID and the zones that they name.
 std::string joined(const QStringList& objects, const QString& zones) {
   const QString begin = QStringLiteral("BEGIN:VCALENDAR\r\nVERSION:2.0\r\n") + zones;
   const auto& first = objects.front();
@@ -67,14 +89,15 @@ void keepEarliest(std::vector<platform::Event>& events) {
 
 CalendarServerObjects::CalendarServerObjects(const QStringList& texts,
                                              const std::atomic_bool& isEnding) {
+  const Limit limit(isEnding);
   for (const auto& text : texts.first(std::min(texts.size(), maximumCount))) {
-    if (isEnding) return;
+    if (limit.isReached()) return;
     auto object = outline(text.toStdString());
     if (object.uid.empty()) continue;
     auto& group = groups_[QString::fromStdString(object.uid)];
     group.texts.append(text);
     group.mayBeIncomplete |= object.isOfSeries;
-    if (!group.mayBeIncomplete) zonesOfSingles_.merge(object.unknownZones);
+    group.unknownZones.merge(object.unknownZones);
   }
 }
 
@@ -85,25 +108,33 @@ QStringList CalendarServerObjects::incompleteUids() const {
   return uids;
 }
 
-std::set<QString> CalendarServerObjects::unknownZones(const std::atomic_bool& isEnding) const {
-  auto zones = zonesOfSingles_;
-  for (const auto& [uid, group] : groups_) {
-    if (isEnding) break;
-    if (!group.mayBeIncomplete) continue;
-    for (const auto& text : group.texts) zones.merge(outline(text.toStdString()).unknownZones);
+std::set<QString> CalendarServerObjects::findUnknownZones(const std::atomic_bool& isEnding) {
+  const Limit limit(isEnding);
+  std::set<QString> zones;
+  for (auto& [uid, group] : groups_) {
+    if (limit.isReached()) break;
+    if (group.mayBeIncomplete)
+      for (const auto& text : group.texts)
+        group.unknownZones.merge(outline(text.toStdString()).unknownZones);
+    zones.insert(group.unknownZones.begin(), group.unknownZones.end());
   }
   return zones;
 }
 
 std::vector<platform::Event> CalendarServerObjects::occurrences(
     platform::Instant start, platform::Instant end, const QTimeZone& local,
-    const QStringList& zones, const std::string& prefix, const std::atomic_bool& isEnding) const {
+    const std::map<QString, QString>& zones, const std::string& prefix,
+    const std::atomic_bool& isEnding) const {
   std::vector<platform::Event> all;
-  const auto zoneText = zones.join(QString());
+  const Limit limit(isEnding);
+  const auto isOver = [&limit] { return limit.isReached(); };
   for (const auto& [uid, group] : groups_) {
-    if (isEnding) break;
-    const auto text = IcalendarText::parse(joined(group.texts, zoneText));
-    std::ranges::move(text.occurrences(start, end, local), std::back_inserter(all));
+    if (isOver()) break;
+    QString zoneText;
+    for (const auto& name : group.unknownZones)
+      if (const auto zone = zones.find(name); zone != zones.end()) zoneText += zone->second;
+    const auto text = IcalendarText::parse(joined(group.texts, zoneText), isOver);
+    std::ranges::move(text.occurrences(start, end, local, isOver), std::back_inserter(all));
     if (std::ssize(all) > 2 * maximumCount) keepEarliest(all);
   }
   keepEarliest(all);
