@@ -103,7 +103,9 @@ VdirReading readFile(int folder, const char* name, std::size_t maximumSize, std:
 
 std::optional<std::string> collectionTitle(std::string_view text) {
   std::size_t from = 0;
-  if (const auto name = nextValue(text, "X-WR-CALNAME", from)) return unescaped(*name);
+  constexpr std::size_t longest = 4096;
+  if (const auto name = nextValue(text, "X-WR-CALNAME", from))
+    return name->size() <= longest ? unescaped(*name) : std::string();
   return hasSeveralIdentifiers(text) ? std::optional(std::string()) : std::nullopt;
 }
 
