@@ -272,6 +272,18 @@ TEST_F(VdirTest, ShowsCalendarsAsTheirFoldersSay) {
   EXPECT_THAT(source->events(clock.now(), clock.now() + hours(48), {}), IsEmpty());
 }
 
+TEST_F(VdirTest, ForgetsAllBetweenStopAndStart) {
+  add("data/a/1.ics", "one");
+  start();
+  ASSERT_TRUE(shows({"one"}));
+  const int before = notices;
+  add("data/a/2.ics", "two");
+  source->stop();
+  EXPECT_FALSE(tests::waitFor([&] { return notices != before || !identifiers().empty(); }, 300));
+  source->start();
+  EXPECT_TRUE(shows({"one", "two"}));
+}
+
 TEST_F(VdirTest, OneBadFileHidesOnlyItself) {
   add("data/a/good.ics", "good");
   add("data/a/.hidden.ics", "hidden");

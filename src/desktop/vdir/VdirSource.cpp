@@ -35,8 +35,7 @@ CalendarSource::Reach VdirSource::reach() const {
 }
 
 void VdirSource::start() {
-  auto show = lifetime_.weak([this](const std::shared_ptr<const VdirSnapshot>& snapshot) {
-    if (!worker_) return;
+  auto show = reading_.emplace().weak([this](const std::shared_ptr<const VdirSnapshot>& snapshot) {
     snapshot_ = snapshot;
     observers_.notify();
   });
@@ -50,6 +49,7 @@ void VdirSource::start() {
 
 void VdirSource::stop() {
   clockChanges_.reset();
+  reading_.reset();
   worker_.reset();
   snapshot_ = std::make_shared<const VdirSnapshot>();
 }

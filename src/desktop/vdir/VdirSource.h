@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "desktop/calendar/CalendarSource.h"
 #include "desktop/session/QtUserCalendar.h"
@@ -52,7 +53,7 @@ class VdirSource final : public CalendarSource {
   mutable std::chrono::days ahead_{14};
   mutable VdirHorizon horizon_{};  ///< as asked for last
   std::unique_ptr<VdirWorker> worker_;
-  Lifetime lifetime_;
+  std::optional<Lifetime> reading_;  ///< from `start` to `stop`
 };
 
 }  // namespace valdrix::desktop
