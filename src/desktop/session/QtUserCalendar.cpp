@@ -91,16 +91,27 @@ void QtUserCalendar::rereadZone() {
   observers_.notify();
 }
 
-void QtUserCalendar::awaitNextDay() {
+Instant QtUserCalendar::startOfNextDay() const {
   const auto today = chrono::floor<chrono::days>(localTime(now()));
-  Instant next = firstInstantAt(today + chrono::days(1));
+  const Instant next = firstInstantAt(today + chrono::days(1));
   // Clocks that were put back over midnight have begun tomorrow once before.
-  if (next <= now()) next = now() + chrono::hours(1);
-  // One too late is in the new day, one too early is not.
-  const auto seconds = chrono::ceil<chrono::seconds>(next).time_since_epoch().count();
-  itimerspec time{};
-  time.it_value.tv_sec = seconds;
-  ::timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &time, nullptr);
+  return next > now() ? next : now() + chrono::hours(1);
+}
+
+// Tells nobody; callers do, afterwards.
+void QtUserCalendar::awaitNextDay() {
+  constexpr int flags = TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET;
+  constexpr int mostAttempts = 10;
+  for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    // One second too late is in the new day, one too early is not.
+    const auto next = chrono::ceil<chrono::seconds>(startOfNextDay());
+    itimerspec time{};
+    time.it_value.tv_sec = next.time_since_epoch().count();
+    const bool isSet = ::timerfd_settime(timer_.get(), flags, &time, nullptr) == 0;
+    // The clock may have been set after it was looked at. The kernel says that only here: the timer
+    // runs, but by the old clock's next day, and the file descriptor is not readable any more.
+    if (isSet || errno != ECANCELED) return;
+  }
 }
 
 void QtUserCalendar::handleTimer() {

@@ -43,6 +43,7 @@ class QtUserCalendar final : public platform::UserCalendar {
   [[nodiscard]] platform::Instant firstInstantAt(LocalTime time) const;
   [[nodiscard]] QTimeZone readZone() const;
   void rereadZone();
+  [[nodiscard]] platform::Instant startOfNextDay() const;
   void awaitNextDay();
   void handleTimer();
 
