@@ -191,6 +191,13 @@ TEST_F(DesktopWorkspaceTest, TheUsersOwnCommandsWinAndDataStayData) {
       {"showEvent=mine {identifier}\nshowDay=mine {date}",
        "ical://ekevent/--delete",
        {"mine", "2026-11-20"}},
+      // Nor does it choose the program.
+      {"showEvent={identifier}\nshowDay=mine {date}",
+       "ical://ekevent/gnome-calendar",
+       {"mine", "2026-11-20"}},
+      {"showEvent=./{identifier} {date}\nshowDay='{day}'",
+       "ical://ekevent/src:1",
+       {"gnome-calendar", "--uuid=src:1"}},
       {"showEvent=mine -- {identifier}", "ical://ekevent/--delete", {"mine", "--", "--delete"}},
   };
   for (const auto& row : rows) {

@@ -77,6 +77,11 @@ std::vector<Placeholder> placeholdersFor(QDate day, const QString& identifier) {
           {"{identifier}", identifier}};
 }
 
+/// A placeholder there would let data choose the program.
+bool hasFixedProgram(const QStringList& words) {
+  return filled(words.value(0), placeholdersFor({}, {})).has_value();
+}
+
 class UserCalendarProgram final : public CalendarProgram {
  public:
   UserCalendarProgram(QStringList showDay, QStringList showEvent)
@@ -103,8 +108,9 @@ std::unique_ptr<CalendarProgram> userCalendarProgram(const std::filesystem::path
   const IniDocument document(readWholeFile(file, largestFile).bytes);
   const auto words = [&](const char* key) {
     const auto found = document.values().find(key);
-    return found == document.values().end() ? QStringList()
-                                            : wordsOf(QString::fromStdString(found->second));
+    if (found == document.values().end()) return QStringList();
+    const auto command = wordsOf(QString::fromStdString(found->second));
+    return hasFixedProgram(command) ? command : QStringList();
   };
   auto showDay = words("showDay");
   auto showEvent = words("showEvent");
