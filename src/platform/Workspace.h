@@ -10,7 +10,9 @@ class Workspace {
   virtual ~Workspace() = default;
 
   /// Has `url` opened by whoever the user prefers for its kind. Whether anybody was asked; text
-  /// that is no URL asks nobody. What is in it stays data, whatever it looks like.
+  /// that is no URL asks nobody. The identifier that ends a link to an event stands there as it is
+  /// and may hold spaces, but no control characters. What is in it stays data, whatever it looks
+  /// like.
   virtual bool open(std::string_view url) = 0;
 };
 

@@ -101,8 +101,8 @@ TEST(SimLoginItem, ShowsWhatTheDesktopMadeOfIt) {
 TEST(SimWorkspace, AsksNobodyForWhatIsNoUrl) {
   Trace trace;
   SimWorkspace workspace(trace);
-  EXPECT_TRUE(workspace.open("ical://ekevent/1"));
-  for (const char* text : {"", "no url", ":1", "ical://ekevent/a b"})
+  EXPECT_TRUE(workspace.open("ical://ekevent/a b"));
+  for (const char* text : {"", "no url", ":1", "http://a b", "ical://ekevent/a\nb", "a:\x7F"})
     EXPECT_FALSE(workspace.open(text));
 }
 
