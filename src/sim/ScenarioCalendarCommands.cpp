@@ -121,6 +121,7 @@ void takeEventOptions(ScenarioWords& words, NewEvent& added) {
         added.event.eventIdentifier.reset();
         break;
       default:
+        if (!added.event.isAllDay) fail("days ne va qu'avec all-day");
         added.dayCount =
             static_cast<int>(words.takeInteger("un nombre de jours de 1 à 1000", 1, mostDays));
         break;

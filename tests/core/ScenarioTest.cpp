@@ -59,6 +59,7 @@ TEST(Scenario, NamesTheLineThatMakesNoSense) {
       {"zone +01:00 then +02:00 since 2026-03-29 01:00 then +01:00 since 2026-03-29 01:00", 1},
       {"calendar add home color ff95", 1},
       {"event add a home today 10:00 until 11:00", 1},
+      {"calendar add home\nevent add a home today 10:00 until 11:00 days 3", 2},
       {"calendar add home\nevent add a home today 10:00 until 09:00", 2},
       {"request-access granted", 1},
   };
