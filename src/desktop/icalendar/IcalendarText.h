@@ -22,7 +22,8 @@ class IcalendarText {
  public:
   /// Whether whoever wants an answer no longer does. It is asked every millisecond or so of work,
   /// on the thread that asked for the answer, and an empty one never. Once it says so, the answer
-  /// comes at once and holds whatever was found until then.
+  /// comes at once and holds whatever was found until then. It is not asked while libical looks
+  /// for the first occurrence of a rule that has none, which may take a second.
   using IsEnding = std::function<bool()>;
 
   /// Longer texts hold no events.

@@ -1,6 +1,7 @@
 #include "desktop/icalendar/RecurrenceRule.h"
 
 #include <algorithm>
+#include <ctime>
 #include <limits>
 #include <mutex>
 
@@ -79,6 +80,25 @@ std::optional<IcalDateTime> untilOf(const icalrecurrencetype& rule) {
                       .isUtc = icaltime_is_utc(rule.until) != 0};
 }
 
+/// Notes what libical takes while this lives, in time of this thread: a busy machine costs nothing.
+class LibicalClock {
+ public:
+  explicit LibicalClock(WorkBudget& budget) : budget_(budget) {}
+  LibicalClock(const LibicalClock&) = delete;
+  LibicalClock& operator=(const LibicalClock&) = delete;
+  ~LibicalClock() { budget_.noteLibical(now() - start_); }
+
+ private:
+  static std::chrono::nanoseconds now() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  }
+
+  WorkBudget& budget_;
+  std::chrono::nanoseconds start_ = now();
+};
+
 bool namesACalendar(std::string_view value) {
   constexpr std::string_view word = "RSCALE";
   for (std::size_t at = 0; at + word.size() <= value.size(); ++at)
@@ -154,7 +174,10 @@ WalkEnd RecurrenceRule::walkByLibical(WallTime start, bool isAllDay, WallRange r
   // about five microseconds a day, so the range's end becomes the UNTIL and is paid for in advance.
   constexpr std::int64_t stepsPerDay = 500;
   constexpr std::int64_t stepsPerOccurrence = 2000;
-  if (!budget.spend((range.to - range.from) / 24h * stepsPerDay)) return WalkEnd::tooCostly;
+  const bool isAffordable =
+      budget.allowsLibical() && budget.spend((range.to - range.from) / 24h * stepsPerDay);
+  if (!isAffordable) return WalkEnd::tooCostly;
+  const LibicalClock clock(budget);
   OwnedRule rule(text_);
   rule->count = 0;
   rule->until = toLibical(range.to, isAllDay);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <utility>
@@ -49,8 +50,15 @@ class WorkBudget {
   /// Gives back what was not needed.
   void refund(std::int64_t steps) { steps_ += steps; }
 
+  /// Notes what libical took, which nobody can tell beforehand: to find that a rule has no
+  /// occurrence may take it a second.
+  void noteLibical(std::chrono::nanoseconds time) { byLibical_ += time; }
+  /// Whether it may be asked for more. What is followed without it goes on.
+  [[nodiscard]] bool allowsLibical() const { return byLibical_ < std::chrono::seconds(2); }
+
  private:
   std::int64_t steps_;
+  std::chrono::nanoseconds byLibical_{};
   Interruption* interruption_ = nullptr;
 };
 
