@@ -23,6 +23,7 @@
 #include "desktop/vdir/CalendarFolders.h"
 #include "desktop/vdir/CalendarPlaces.h"
 #include "desktop/vdir/NextStartGlance.h"
+#include "desktop/vdir/SlowMounts.h"
 #include "desktop/vdir/VdirIndex.h"
 #include "desktop/vdir/VdirSnapshot.h"
 #include "desktop/vdir/VdirSource.h"
@@ -236,6 +237,39 @@ TEST_F(VdirTest, TellsByPermissionsAloneWhatCanBeReached) {
   EXPECT_EQ(reach(), closed);
   ::chmod((home / "data/a").c_str(), 0333);
   EXPECT_EQ(reach(), writeOnly);
+  fs::remove_all(home / "data/a");
+  // What is closed beside calendars is none.
+  fs::create_directories(home / "disk/lost+found");
+  ::chmod((home / "disk/lost+found").c_str(), 0);
+  write("calendars.conf", "~/disk\n");
+  EXPECT_EQ(reach(), absent);
+  ::chmod((home / "disk").c_str(), 0);
+  EXPECT_EQ(reach(), closed);
+  write("calendars.conf", "~/disk\n~/single/1.ics");
+  add("single/1.ics", "one");
+  EXPECT_EQ(reach(), readable);
+}
+
+TEST_F(VdirTest, KnowsWhereOthersMayNotAnswer) {
+  fs::create_directory_symlink("deep/../server/x", home / "link");
+  fs::create_directory_symlink(home / "link", home / "chain");
+  fs::create_directory_symlink("loop", home / "loop");
+  const auto at = [&](const char* name) { return (home / name).string(); };
+  const SlowMounts mounts("1 0 0:1 / / rw - nfs4 server:/ rw\nnonsense\n2 1 8:1 / " + at("disk") +
+                          " rw shared:1 - ext4 /dev/x rw\n3 1 0:2 / " + at("server") +
+                          " rw shared:1 master:2 - fuse.sshfs a b\n4 1 0:3 / " +
+                          at("my\\040files") + " rw - cifs a b\n");
+  for (const auto& [name, isThere] :
+       std::vector<std::pair<const char*, bool>>{{"server", true},
+                                                 {"server/a/b", true},
+                                                 {"disk/../server", true},
+                                                 {"my files/a", true},
+                                                 {"link/a", true},
+                                                 {"chain", true},
+                                                 {"loop/a", false},
+                                                 {"serverless", false},
+                                                 {"disk/a", false}})
+    EXPECT_EQ(mounts.areOnTheWayTo(home / name), isThere) << name;
 }
 
 TEST_F(VdirTest, ShowsCalendarsAsTheirFoldersSay) {

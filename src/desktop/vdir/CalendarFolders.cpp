@@ -5,15 +5,18 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fnmatch.h>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <span>
 #include <unistd.h>
+#include <utility>
 
 #include <sys/stat.h>
 
 #include "desktop/session/WholeFile.h"
 #include "desktop/vdir/CalendarPlaces.h"
+#include "desktop/vdir/SlowMounts.h"
 
 namespace valdrix::desktop {
 namespace fs = std::filesystem;
@@ -47,7 +50,7 @@ bool hasWildcard(std::string_view name) { return name.find_first_of("*?[") != na
 
 /// Calls `visit` with each entry of a folder that is not hidden, until it answers false.
 template <class Visit>
-void visitEntries(const fs::path& folder, Visit visit) {
+void visitEntries(const fs::path& folder, const Visit& visit) {
   const auto close = [](DIR* directory) { ::closedir(directory); };
   const std::unique_ptr<DIR, decltype(close)> directory(::opendir(folder.c_str()), close);
   if (!directory) return;
@@ -55,26 +58,27 @@ void visitEntries(const fs::path& folder, Visit visit) {
     if (entry->d_name[0] != '.' && !visit(*entry)) return;
 }
 
-std::vector<std::string> subfolders(const fs::path& folder) {
-  std::vector<std::string> names;
-  visitEntries(folder, [&](const dirent& entry) {
-    const bool isCertain = entry.d_type == DT_DIR;
-    const bool mayBe = entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN;
-    if (isCertain || (mayBe && isFolder(folder / entry.d_name))) names.emplace_back(entry.d_name);
-    return true;
-  });
-  std::ranges::sort(names);
-  return names;
-}
+/// What a search is for.
+struct SearchRules {
+  FolderWatcher watch = [](const auto&, const auto&) {};
+  /// Called before each look at a path; the search ends when it answers false.
+  std::function<bool(const fs::path&)> mayLook = [](const auto&) { return true; };
+  /// Called with each folder that may hold a calendar, and whether what leads to it is there for
+  /// calendars alone; the search ends when it answers true.
+  std::function<bool(const CalendarFolder&, bool)> isEnough = [](const auto&, bool) {
+    return false;
+  };
+  std::size_t maximumEntries = std::numeric_limits<std::size_t>::max();  ///< of one folder
+};
 
 class Search {
  public:
-  Search(const VdirPaths& paths, const FolderWatcher& watch) : paths_(paths), watch_(watch) {}
+  Search(const VdirPaths& paths, SearchRules rules) : paths_(paths), rules_(std::move(rules)) {}
 
   std::vector<CalendarFolder> run() {
-    addPlaces(paths_.places);
+    addPlaces(paths_.places, true);
     addPlaces(placesIn(paths_.settings, placesInSettings));
-    addPlaces(paths_.wellKnown);
+    addPlaces(paths_.wellKnown, true);
     for (const auto& file : paths_.khal) addPlaces(placesIn(file, placesInKhal));
     for (const auto& file : paths_.vdirsyncer) addPlaces(placesIn(file, placesInVdirsyncer));
     for (auto& file : files_)
@@ -97,11 +101,18 @@ class Search {
   std::vector<std::string> placesIn(const fs::path& file, Parse parse) {
     if (!file.is_absolute()) return {};
     walk("/", namesIn(file.parent_path()),
-         [&](const fs::path& folder) { watch_(folder, file.filename().string()); });
+         [&](const fs::path& folder) { rules_.watch(folder, file.filename().string()); });
+    if (!mayLook(file)) return {};
     return parse(readWholeFile(file, maximumConfigurationSize).bytes);
   }
 
-  void addPlaces(const std::vector<std::string>& places) {
+  bool mayLook(const fs::path& path) {
+    isDone_ = isDone_ || !rules_.mayLook(path);
+    return !isDone_;
+  }
+
+  void addPlaces(const std::vector<std::string>& places, bool areForCalendars = false) {
+    areForCalendars_ = areForCalendars;
     for (const auto& place : places) {
       const fs::path path = expandPlace(place, paths_.environment);
       if (path.is_absolute())
@@ -116,25 +127,46 @@ class Search {
     if (names.empty()) return use(base);
     const auto& name = names.front();
     const auto rest = names.subspan(1);
+    const auto literal = base / name;
+    if (!mayLook(literal)) return;
     // A name that has wildcards may also be meant as it is.
-    if (const auto literal = base / name; statusOf(literal)) {
-      if (isLink(literal) || !isAccessible(literal, R_OK)) watch_(base, name);
+    if (statusOf(literal)) {
+      if (isLink(literal) || !isAccessible(literal, R_OK)) rules_.watch(base, name);
       return walk(literal, rest, use);
     }
-    watch_(base, hasWildcard(name) ? std::string() : name);
+    rules_.watch(base, hasWildcard(name) ? std::string() : name);
     if (!hasWildcard(name)) return;
-    for (const auto& entry : matches(base, name)) walk(base / entry, rest, use);
+    for (const auto& entry : matches(base, name))
+      if (mayLook(base / entry)) walk(base / entry, rest, use);
   }
 
-  static std::vector<std::string> matches(const fs::path& folder, const std::string& pattern) {
+  /// The names of the entries that fit, in order.
+  template <class Fits>
+  [[nodiscard]] std::vector<std::string> namesOf(const fs::path& folder, const Fits& fits) const {
     std::vector<std::string> names;
+    std::size_t count = 0;
     visitEntries(folder, [&](const dirent& entry) {
-      if (::fnmatch(pattern.c_str(), entry.d_name, FNM_PERIOD) == 0)
-        names.emplace_back(entry.d_name);
-      return true;
+      if (fits(entry)) names.emplace_back(entry.d_name);
+      return ++count < rules_.maximumEntries && !isDone_;
     });
     std::ranges::sort(names);
     return names;
+  }
+
+  [[nodiscard]] std::vector<std::string> matches(const fs::path& folder,
+                                                 const std::string& pattern) const {
+    return namesOf(folder, [&](const dirent& entry) {
+      return ::fnmatch(pattern.c_str(), entry.d_name, FNM_PERIOD) == 0;
+    });
+  }
+
+  std::vector<std::string> subfolders(const fs::path& folder) {
+    return namesOf(folder, [&](const dirent& entry) {
+      const bool isCertain = entry.d_type == DT_DIR;
+      const bool mayBe = isCertain || entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN;
+      const auto path = folder / entry.d_name;
+      return mayBe && mayLook(path) && (isCertain || isFolder(path));
+    });
   }
 
   void addPlace(const fs::path& place) {
@@ -145,9 +177,10 @@ class Search {
 
   void addFolder(const fs::path& folder, const fs::path& root) {
     const auto status = statusOf(folder);
-    if (!status) return;
-    watch_(folder, {});
+    if (!status || isDone_) return;
+    rules_.watch(folder, {});
     CalendarFolder found{folder, {}, root, status->st_dev, status->st_ino};
+    isDone_ = rules_.isEnough(found, areForCalendars_ || folder == root);
     if (!isFound(found)) found_.push_back(std::move(found));
   }
 
@@ -155,8 +188,9 @@ class Search {
     const auto folder = file.parent_path();
     const auto status = statusOf(folder);
     if (!status || !isEventFileName(file.filename().string())) return;
-    watch_(folder, file.filename().string());
+    rules_.watch(folder, file.filename().string());
     files_.push_back({folder, file.filename().string(), folder, status->st_dev, status->st_ino});
+    isDone_ = isDone_ || rules_.isEnough(files_.back(), true);
   }
 
   [[nodiscard]] bool isFound(const CalendarFolder& folder) const {
@@ -165,28 +199,38 @@ class Search {
   }
 
   const VdirPaths& paths_;
-  const FolderWatcher& watch_;
+  SearchRules rules_;
+  bool areForCalendars_ = false;  ///< the places that are being looked at
+  bool isDone_ = false;
   std::vector<CalendarFolder> found_;
   /// Those whose folder is found as a whole don't count.
   std::vector<CalendarFolder> files_;
 };
 
-bool holdsCalendar(const CalendarFolder& folder) {
+/// So many looks are quick, whatever places and configurations there are.
+constexpr std::size_t mostLooks = 1000;
+constexpr std::size_t mostEntries = 500;
+
+/// Whether there is a calendar in a folder, or so much else that it cannot be told at once.
+bool mayHoldCalendar(const CalendarFolder& folder) {
   if (!folder.file.empty()) return true;
-  bool isFound = false;
+  bool mayHold = false;
+  std::size_t count = 0;
   visitEntries(folder.path, [&](const dirent& entry) {
-    isFound = isEventFileName(entry.d_name) || isMetadataFileName(entry.d_name);
-    return !isFound;
+    mayHold =
+        isEventFileName(entry.d_name) || isMetadataFileName(entry.d_name) || ++count == mostEntries;
+    return !mayHold;
   });
-  return isFound;
+  return mayHold;
 }
 
-Reach reachOf(const CalendarFolder& folder) {
+Reach reachOf(const CalendarFolder& folder, bool isForCalendars) {
   const bool isSingle = !folder.file.empty();
   const auto path = isSingle ? folder.path / folder.file : folder.path;
   const int entering = isSingle ? 0 : X_OK;
   if (isAccessible(path, R_OK | entering))
-    return holdsCalendar(folder) ? Reach::readable : Reach::absent;
+    return mayHoldCalendar(folder) ? Reach::readable : Reach::absent;
+  if (!isForCalendars) return Reach::absent;
   return isAccessible(path, W_OK | entering) ? Reach::writeOnly : Reach::closed;
 }
 
@@ -203,17 +247,30 @@ bool isMetadataFileName(std::string_view name) { return name == "displayname" ||
 
 std::vector<CalendarFolder> findCalendarFolders(const VdirPaths& paths,
                                                 const FolderWatcher& watch) {
-  return Search(paths, watch).run();
+  SearchRules rules;
+  rules.watch = watch;
+  return Search(paths, std::move(rules)).run();
 }
 
-Reach reachOf(const std::vector<CalendarFolder>& folders) {
-  const auto anyIs = [&](Reach reach) {
-    return std::ranges::any_of(
-        folders, [&](const CalendarFolder& folder) { return reachOf(folder) == reach; });
+Reach reachOf(const VdirPaths& paths) {
+  const auto mounts = SlowMounts::current();
+  auto best = Reach::absent;
+  std::size_t looks = 0;
+  const auto isReadable = [&best](Reach reach) {
+    if (best == Reach::absent || (reach != Reach::absent && reach < best)) best = reach;
+    return best == Reach::readable;
   };
-  for (const auto reach : {Reach::readable, Reach::writeOnly, Reach::closed})
-    if (anyIs(reach)) return reach;
-  return Reach::absent;
+  SearchRules rules;
+  rules.mayLook = [&](const fs::path& path) {
+    const bool isQuick = ++looks <= mostLooks && !mounts.areOnTheWayTo(path);
+    return isQuick || !isReadable(Reach::readable);
+  };
+  rules.isEnough = [&](const CalendarFolder& folder, bool isForCalendars) {
+    return isReadable(reachOf(folder, isForCalendars));
+  };
+  rules.maximumEntries = mostEntries;
+  static_cast<void>(Search(paths, std::move(rules)).run());
+  return best;
 }
 
 }  // namespace valdrix::desktop

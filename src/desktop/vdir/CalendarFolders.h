@@ -40,7 +40,10 @@ using FolderWatcher =
 [[nodiscard]] std::vector<CalendarFolder> findCalendarFolders(const VdirPaths& paths,
                                                               const FolderWatcher& watch);
 
-/// What the permissions of these folders let this process do with the calendars in them.
-[[nodiscard]] CalendarSource::Reach reachOf(const std::vector<CalendarFolder>& folders);
+/// What the permissions at all places let this process do with the calendars there. Quick, and
+/// never waits for another machine: where that would take too long, a calendar counts as readable.
+/// A folder that is closed to this process counts when it was named itself, or lies in one of the
+/// places that are there for calendars alone.
+[[nodiscard]] CalendarSource::Reach reachOf(const VdirPaths& paths);
 
 }  // namespace valdrix::desktop

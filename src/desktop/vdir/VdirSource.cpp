@@ -30,9 +30,7 @@ VdirSource::VdirSource(platform::RunLoop& runLoop, QtUserCalendar& userCalendar,
 
 VdirSource::~VdirSource() = default;
 
-CalendarSource::Reach VdirSource::reach() const {
-  return reachOf(findCalendarFolders(paths_, [](const auto&, const auto&) {}));
-}
+CalendarSource::Reach VdirSource::reach() const { return reachOf(paths_); }
 
 void VdirSource::start() {
   auto show = reading_.emplace().weak([this](const std::shared_ptr<const VdirSnapshot>& snapshot) {

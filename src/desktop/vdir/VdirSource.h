@@ -17,8 +17,8 @@ class VdirSnapshot;
 class VdirWorker;
 
 /// Calendars in folders on disk, one event a file ("vdir"), and single iCalendar files with many.
-/// All that touches them happens on a thread of its own, from `start` on; changes made by anybody
-/// are noticed.
+/// They are read on a thread of its own, from `start` on; changes made by anybody are noticed. Only
+/// `reach` looks at permissions itself.
 class VdirSource final : public CalendarSource {
  public:
   /// `runLoop` and `userCalendar` outlive this.
