@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,13 +14,15 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "desktop/calendarserver/CalendarServerSource.h"
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/vdir/VdirSource.h"
 #include "sim/ManualRunLoop.h"
 #include "sim/SimEventStore.h"
-#include "tests/calendar/CalendarServer.h"
 #include "tests/support/WaitFor.h"
+#ifdef VALDRIX_CALENDAR_SERVER
+#include "desktop/calendarserver/CalendarServerSource.h"
+#include "tests/calendar/CalendarServer.h"
+#endif
 
 namespace valdrix {
 namespace {
@@ -167,6 +170,7 @@ class FolderDesk final : public RealDesk {
   QTemporaryDir folder_;
 };
 
+#ifdef VALDRIX_CALENDAR_SERVER
 class ServerDesk final : public RealDesk {
  public:
   ServerDesk() {
@@ -194,6 +198,7 @@ class ServerDesk final : public RealDesk {
   std::set<std::string> written_;
   std::unique_ptr<desktop::SessionBus> bus_;
 };
+#endif
 
 template <class D>
 class EventStoreContract : public testing::Test {
@@ -225,7 +230,11 @@ class EventStoreContract : public testing::Test {
       desktop::QtUserCalendar().startOfDay(std::chrono::sys_days(2026y / 11 / 24) + 12h);
 };
 
+#ifdef VALDRIX_CALENDAR_SERVER
 using Desks = testing::Types<SimulatedDesk, FolderDesk, ServerDesk>;
+#else
+using Desks = testing::Types<SimulatedDesk, FolderDesk>;
+#endif
 TYPED_TEST_SUITE(EventStoreContract, Desks);
 
 TYPED_TEST(EventStoreContract, ListsCalendarsWithColourAndAccount) {
