@@ -1,14 +1,14 @@
 #include "tests/support/SpawnedProgram.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
-#include <thread>
 #include <unistd.h>
+#include <utility>
 
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace valdrix::tests {
@@ -54,11 +54,7 @@ SpawnedProgram::~SpawnedProgram() {
   if (output_ >= 0) close(output_);
   if (!isRunning()) return;
   ::kill(pid_, SIGTERM);
-  for (int tries = 0; tries < 400; ++tries) {
-    if (!isRunning()) return;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  ::kill(pid_, SIGKILL);
+  if (!endsWithin(2000)) ::kill(pid_, SIGKILL);
   waitpid(pid_, nullptr, 0);
 }
 
@@ -67,16 +63,19 @@ bool SpawnedProgram::isRunning() {
   return pid_ > 0;
 }
 
+bool SpawnedProgram::endsWithin(int milliseconds) const {
+  const int process = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
+  pollfd ended{process, POLLIN, 0};
+  const bool hasEnded = poll(&ended, 1, milliseconds) > 0;
+  close(process);
+  return hasEnded;
+}
+
 int SpawnedProgram::wait() {
-  for (int tries = 0; pid_ > 0 && tries < 2000; ++tries) {
-    int status = 0;
-    if (waitpid(pid_, &status, WNOHANG) != 0) {
-      pid_ = -1;
-      return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return -1;
+  int status = 0;
+  if (pid_ <= 0 || !endsWithin(10000)) return -1;
+  waitpid(std::exchange(pid_, -1), &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 std::optional<std::string> SpawnedProgram::readLine() {

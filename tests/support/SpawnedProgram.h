@@ -30,6 +30,8 @@ class SpawnedProgram {
   [[nodiscard]] std::optional<std::string> readLine();
 
  private:
+  [[nodiscard]] bool endsWithin(int milliseconds) const;
+
   pid_t pid_ = -1;
   int output_ = -1;
 };

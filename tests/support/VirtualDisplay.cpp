@@ -5,9 +5,10 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
-#include <thread>
+#include <poll.h>
 
 #include <xcb/xcb_keysyms.h>
+#include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 
 namespace valdrix::tests {
@@ -23,14 +24,6 @@ using Reply = std::unique_ptr<T, Free>;
 template <class T>
 Reply<T> owned(T* reply) {
   return Reply<T>(reply);
-}
-
-bool await(const std::function<bool()>& condition, int maximumTries = 2000) {
-  for (int tries = 0; tries < maximumTries; ++tries) {
-    if (condition()) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
 }
 
 std::string makeTemporaryFolder() {
@@ -51,6 +44,27 @@ VirtualDisplay::VirtualDisplay(QSize size) : home_(makeTemporaryFolder()) {
   connection_.reset(xcb_connect(name_.c_str(), nullptr));
   if (xcb_connection_has_error(connection_.get())) return;
   root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_.get())).data->root;
+  const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+  xcb_change_window_attributes(connection_.get(), root_, XCB_CW_EVENT_MASK, &events);
+  owned(xcb_xfixes_query_version_reply(connection_.get(),
+                                       xcb_xfixes_query_version(connection_.get(), 2, 0), nullptr));
+  xcb_xfixes_select_selection_input(connection_.get(), root_, atom("_NET_WM_CM_S0"),
+                                    XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                        XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                        XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+}
+
+bool VirtualDisplay::await(const std::function<bool()>& condition, int milliseconds) const {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+  while (!condition()) {
+    // An event that came with the answer to a question is not seen at the socket any more.
+    if (owned(xcb_poll_for_event(connection_.get()))) continue;
+    const auto rest =
+        std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    pollfd socket{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+    if (rest.count() <= 0 || poll(&socket, 1, static_cast<int>(rest.count())) <= 0) return false;
+  }
+  return true;
 }
 
 VirtualDisplay::~VirtualDisplay() {
@@ -108,8 +122,10 @@ bool VirtualDisplay::hasWindowManager() const {
 // and the end of its start. Only a window that it has given a state proves that it works.
 bool VirtualDisplay::takesWindowsIn() const {
   const auto window = xcb_generate_id(connection_.get());
+  const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
   xcb_create_window(connection_.get(), XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
-                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                    &events);
   xcb_map_window(connection_.get(), window);
   const bool isTakenIn = await(
       [&] {
@@ -119,7 +135,7 @@ bool VirtualDisplay::takesWindowsIn() const {
             nullptr));
         return state && state->value_len == 1;
       },
-      40);
+      200);
   xcb_destroy_window(connection_.get(), window);
   return isTakenIn;
 }
@@ -134,8 +150,12 @@ bool VirtualDisplay::hasCompositor() const {
 bool VirtualDisplay::startWindowManager() {
   windowManager_ =
       std::make_unique<SpawnedProgram>(std::vector<std::string>{"openbox"}, variables());
+  if (!await([this] { return hasWindowManager(); })) return false;
   // The first may be one of those that it finds at the end of its start.
-  return await([this] { return hasWindowManager() && takesWindowsIn() && takesWindowsIn(); });
+  constexpr int mostTries = 50;
+  for (int tries = 0; tries < mostTries; ++tries)
+    if (takesWindowsIn() && takesWindowsIn()) return true;
+  return false;
 }
 
 void VirtualDisplay::stopWindowManager() { windowManager_.reset(); }
@@ -149,7 +169,7 @@ bool VirtualDisplay::startCompositor() {
 
 void VirtualDisplay::stopCompositor() {
   compositor_.reset();
-  await([this] { return !hasCompositor(); });
+  static_cast<void>(await([this] { return !hasCompositor(); }));
 }
 
 void VirtualDisplay::fake(std::uint8_t type, std::uint8_t detail, QPoint at) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -74,6 +75,8 @@ class VirtualDisplay {
   [[nodiscard]] xcb_atom_t atom(const std::string& atomName) const;
   [[nodiscard]] bool hasWindowManager() const;
   [[nodiscard]] bool takesWindowsIn() const;
+  /// Looks at `condition` anew after each event of the server's, for so long at most.
+  [[nodiscard]] bool await(const std::function<bool()>& condition, int milliseconds = 10000) const;
   void fake(std::uint8_t type, std::uint8_t detail, QPoint at = {});
   bool fakeKey(std::uint8_t type, xcb_keysym_t keysym);
 
