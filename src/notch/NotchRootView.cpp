@@ -95,8 +95,10 @@ View NotchRootView::panel(NotchPresentation presentation) const {
   return view::zStack(
       Alignment::top,
       {
-          view::fill(NotchShape{cornerRadius(presentation)}, Color::black()),
-          calendarLayer(presentation),
+          // An overlay is not laid out before it is seen for the first time: the calendar's fonts
+          // are no part of the start.
+          view::fill(NotchShape{cornerRadius(presentation)}, Color::black())
+              .overlay(calendarLayer(presentation), Alignment::top),
           hudLayer(VolumeHUDView{.level = viewModel->volumeLevel, .isMuted = viewModel->isMuted},
                    presentation == NotchPresentation::volumeHUD),
           hudLayer(BrightnessHUDView{.level = viewModel->brightnessLevel},

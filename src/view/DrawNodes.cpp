@@ -141,10 +141,11 @@ class OpacityNode final : public NodeFor<OpacityNode, WrapperNode, OpacityElemen
   bool hitTest(Point point, HitPath& path) override {
     return opacity_.target()[0] > 0 && child_->hitTest(point, path);
   }
+  [[nodiscard]] bool isShown() const override {
+    return opacity_.target()[0] > 0 || opacity_.isMoving();
+  }
 
  private:
-  [[nodiscard]] bool isShown() const { return opacity_.target()[0] > 0 || opacity_.isMoving(); }
-
   Animated<1> opacity_{opacityTolerance};
 };
 
@@ -212,6 +213,7 @@ class LayeredNode final : public NodeFor<LayeredNode, ContainerNode, LayeredElem
   void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
     children_[0]->place(bounds, proposal);
+    if (!children_[1]->isShown()) return;
     const auto offer = ProposedSize::of(bounds.size());
     children_[1]->place(aligned(children_[1]->sizeThatFits(offer), bounds, alignment_), offer);
   }

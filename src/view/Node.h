@@ -68,6 +68,9 @@ class Node {
   virtual void draw(DisplayList& list, const DrawState& state) = 0;
   /// Whether it only takes the room that its siblings leave.
   [[nodiscard]] virtual bool isSpacer() const { return false; }
+  /// Whether it can be seen, or is on its way there or back. One that can not need not be placed,
+  /// so that what was never seen costs no layout.
+  [[nodiscard]] virtual bool isShown() const { return true; }
   /// The axis of the nearest stack around.
   [[nodiscard]] virtual Axis stackAxis() const;
   /// Whether `point` hits it; what reacts to the pointer is added to `path`.
@@ -144,6 +147,7 @@ class WrapperNode : public Node {
   }
   void draw(DisplayList& list, const DrawState& state) override { child_->draw(list, state); }
   [[nodiscard]] bool isSpacer() const override { return child_->isSpacer(); }
+  [[nodiscard]] bool isShown() const override { return child_->isShown(); }
   bool hitTest(Point point, HitPath& path) override { return child_->hitTest(point, path); }
 
  protected:

@@ -5,7 +5,7 @@
 #include <limits>
 #include <utility>
 
-#include "view/Shape.h"
+#include "view/Path.h"
 
 namespace valdrix::view {
 
