@@ -34,9 +34,9 @@ class CalendarProgram {
 };
 
 /// The commands that the user has written down, in which words are separated by white space or
-/// quoted with " or ', and placeholders in braces stand for data: `showDay` with {date}
+/// quoted with " or ', and names in braces stand for data: `showDay` with {date}
 /// (2026-11-18), {year}, {month} and {day}, `showEvent` with these and {identifier}. A
-/// command with a placeholder in its first word, the program, is ignored. Nothing when the file has
+/// command with one in its first word, the program, is ignored. Nothing when the file has
 /// no command.
 [[nodiscard]] std::unique_ptr<CalendarProgram> userCalendarProgram(
     const std::filesystem::path& file);

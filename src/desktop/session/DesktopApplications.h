@@ -15,8 +15,8 @@ struct DesktopApplication {
 };
 
 /// The program that the user, the desktop or the distribution has chosen for a MIME type or, as
-/// "x-scheme-handler/https", for a kind of links (MIME applications specification of
-/// freedesktop.org). Reads a few files.
+/// "x-scheme-handler/https", for a kind of links (by freedesktop.org's rules for
+/// mimeapps.list). Reads a few files.
 [[nodiscard]] std::optional<DesktopApplication> defaultApplication(const QString& mimeType);
 /// The first program that can open a MIME type, chosen or not.
 [[nodiscard]] std::optional<DesktopApplication> anyApplication(const QString& mimeType);

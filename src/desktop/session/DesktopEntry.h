@@ -7,9 +7,9 @@
 
 namespace valdrix::desktop {
 
-/// The keys and values of one group of a key file, as the Desktop Entry and MIME applications
-/// specifications of freedesktop.org use them; empty when there is no such file. Of equal keys the
-/// first counts. Values are as written.
+/// The keys and values of one group of a key file, by freedesktop.org's rules for .desktop files
+/// and mimeapps.list; empty when there is no such file. Of equal keys the first counts. Values are
+/// as written.
 class KeyFileGroup {
  public:
   KeyFileGroup(const QString& file, const QString& group);

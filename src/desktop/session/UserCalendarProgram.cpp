@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::size_t largestFile = std::size_t{1} << 20;
 
-using Placeholder = std::pair<QString, QString>;
+/// A name in braces, and what it stands for; empty when that is not known.
+using NamedText = std::pair<QString, QString>;
 
 QStringList wordsOf(const QString& text) {
   QStringList words;
@@ -36,15 +37,15 @@ QStringList wordsOf(const QString& text) {
   return words;
 }
 
-/// `word` with its placeholders replaced, once and from left to right, so that braces in the data
+/// `word` with the names in it replaced, once and from left to right, so that braces in the data
 /// mean nothing. Nothing when one of the data is missing.
-std::optional<QString> filled(const QString& word, const std::vector<Placeholder>& placeholders) {
+std::optional<QString> filled(const QString& word, const std::vector<NamedText>& names) {
   QString result;
   for (qsizetype i = 0; i < word.size();) {
-    const auto found = std::find_if(
-        placeholders.begin(), placeholders.end(),
-        [&](const Placeholder& each) { return QStringView(word).mid(i).startsWith(each.first); });
-    if (found == placeholders.end()) {
+    const auto found = std::find_if(names.begin(), names.end(), [&](const NamedText& each) {
+      return QStringView(word).mid(i).startsWith(each.first);
+    });
+    if (found == names.end()) {
       result += word[i++];
     } else {
       if (found->second.isEmpty()) return std::nullopt;
@@ -56,11 +57,10 @@ std::optional<QString> filled(const QString& word, const std::vector<Placeholder
 }
 
 /// Nothing when data are missing, or would be taken for an option.
-std::optional<QStringList> filled(const QStringList& words,
-                                  const std::vector<Placeholder>& placeholders) {
+std::optional<QStringList> filled(const QStringList& words, const std::vector<NamedText>& names) {
   QStringList command;
   for (const auto& word : words) {
-    const auto argument = filled(word, placeholders);
+    const auto argument = filled(word, names);
     const bool isOption = argument && argument->startsWith('-') && !word.startsWith('-');
     if (!argument || (isOption && !command.contains("--"))) return std::nullopt;
     command.append(*argument);
@@ -68,7 +68,7 @@ std::optional<QStringList> filled(const QStringList& words,
   return command;
 }
 
-std::vector<Placeholder> placeholdersFor(QDate day, const QString& identifier) {
+std::vector<NamedText> namedTexts(QDate day, const QString& identifier) {
   const bool isKnown = day.isValid();
   return {{"{date}", isKnown ? day.toString(Qt::ISODate) : QString()},
           {"{year}", isKnown ? day.toString("yyyy") : QString()},
@@ -77,9 +77,9 @@ std::vector<Placeholder> placeholdersFor(QDate day, const QString& identifier) {
           {"{identifier}", identifier}};
 }
 
-/// A placeholder there would let data choose the program.
+/// Whether no name stands in the first word, where it would let data choose the program.
 bool hasFixedProgram(const QStringList& words) {
-  return filled(words.value(0), placeholdersFor({}, {})).has_value();
+  return filled(words.value(0), namedTexts({}, {})).has_value();
 }
 
 class UserCalendarProgram final : public CalendarProgram {
@@ -89,12 +89,12 @@ class UserCalendarProgram final : public CalendarProgram {
 
   [[nodiscard]] std::optional<QStringList> showDay(QDate day) const override {
     if (showDay_.isEmpty()) return std::nullopt;
-    return filled(showDay_, placeholdersFor(day, {}));
+    return filled(showDay_, namedTexts(day, {}));
   }
   [[nodiscard]] std::optional<QStringList> showEvent(const CalendarEventName& event,
                                                      QDate day) const override {
     if (showEvent_.isEmpty()) return std::nullopt;
-    return filled(showEvent_, placeholdersFor(day, event.identifier));
+    return filled(showEvent_, namedTexts(day, event.identifier));
   }
 
  private:

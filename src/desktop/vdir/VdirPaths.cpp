@@ -24,7 +24,7 @@ fs::path valueOf(const Environment& environment, const char* name) {
   return found == environment.end() ? fs::path() : fs::path(found->second);
 }
 
-// The base directory specification has relative paths ignored.
+// Relative paths are to be ignored, say the rules for these variables.
 fs::path baseFolder(const Environment& environment, const char* name, const char* inHome) {
   const auto folder = valueOf(environment, name);
   return folder.is_absolute() ? folder : valueOf(environment, "HOME") / inHome;
