@@ -90,7 +90,6 @@ class Reader {
   }
 
   void readCalendar(const QString& key, const QString& value) {
-    if (key == u"Selected") entry_.isSelected = value != u"false";
     if (key == u"Color") entry_.color = parseColor(value);
   }
 
@@ -122,7 +121,7 @@ std::vector<platform::EventCalendar> calendarsAmong(
 
   std::vector<platform::EventCalendar> calendars;
   for (const auto& entry : entries) {
-    bool isShown = entry.isCalendar && entry.isSelected;
+    bool isShown = entry.isCalendar;
     const auto* above = &entry;
     for (int depth = 0; isShown && above && depth < deepestParent; ++depth) {
       isShown = above->isEnabled;

@@ -21,8 +21,6 @@ struct CalendarServerEntry {
   std::string parent;
   bool isEnabled = true;
   bool isCalendar = false;
-  /// Whether calendar programs show it, as the user ticked or unticked it there.
-  bool isSelected = true;
   std::optional<view::Color> color{};
 
   /// Never fails: what a key file does not say stays as above. Of translated names the one that
@@ -31,8 +29,8 @@ struct CalendarServerEntry {
                                                  const QStringList& languages);
 };
 
-/// The calendars among `entries` that calendar programs would show: enabled, like all that they
-/// belong to, and selected. In the order of accounts, names and identifiers.
+/// The calendars among `entries` that are enabled, like all that they belong to, whether or not a
+/// calendar program has them ticked. In the order of accounts, names and identifiers.
 [[nodiscard]] std::vector<platform::EventCalendar> calendarsAmong(
     const std::vector<CalendarServerEntry>& entries);
 

@@ -21,7 +21,7 @@
 namespace valdrix::desktop {
 
 /// The calendars of evolution-data-server, the calendar server of GNOME, Evolution and others:
-/// those on this computer and those of the user's accounts, as far as calendar programs show them.
+/// those on this computer and those of the user's accounts that are enabled.
 /// A calendar's identifier is that of its entry in the server's registry, an event's is the
 /// calendar's, a colon and the UID.
 ///
