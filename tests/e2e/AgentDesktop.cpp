@@ -20,7 +20,8 @@ constexpr QPoint inNotch{756, 16};
 
 }  // namespace
 
-AgentDesktop::AgentDesktop(Services services) : keys(QSize(1512, 982)), background(keys.display()) {
+AgentDesktop::AgentDesktop(Services services)
+    : keys(QSize(1512, 982)), background(keys.display()), sharesBus_(services.sharesBus) {
   sysfs.addBacklight(backlight, "raw", "", maxBrightness);
   sysfs.setBrightness(backlight, maxBrightness / 2);
   if (services.hasCompositor) {
@@ -30,7 +31,7 @@ AgentDesktop::AgentDesktop(Services services) : keys(QSize(1512, 982)), backgrou
     EXPECT_TRUE(sound.start({{.name = sink}}));
     EXPECT_TRUE(sound.setVolume(sink, {0.5, 0.5}));
   }
-  if (services.hasBus) {
+  if (services.hasBus && !sharesBus_) {
     bus = std::make_unique<PrivateBus>();
     EXPECT_TRUE(bus->start());
   }
@@ -57,7 +58,8 @@ QProcessEnvironment AgentDesktop::environment() const {
     environment.remove(folder);
   environment.remove("WAYLAND_DISPLAY");
   environment.remove("QT_QPA_PLATFORM");
-  if (!bus) environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home_.filePath("bus"));
+  if (!bus && !sharesBus_)
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home_.filePath("bus"));
   return environment;
 }
 
@@ -67,7 +69,7 @@ bool AgentDesktop::startAgent() {
   const auto hasKeys = [this] {
     return status()["mediaKeys"].toObject()["isTapInstalled"].toBool();
   };
-  return awaitPixel(inNotch, isBlack) && (!bus || waitFor(hasKeys));
+  return awaitPixel(inNotch, isBlack) && (!(bus || sharesBus_) || waitFor(hasKeys));
 }
 
 int AgentDesktop::endAgent() {

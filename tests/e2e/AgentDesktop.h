@@ -27,9 +27,11 @@ class AgentDesktop {
     bool hasCompositor = true;
     bool hasSound = true;
     bool hasBus = true;
+    /// The bus is one that stands already and that this process has as its own.
+    bool sharesBus = false;
   };
 
-  explicit AgentDesktop(Services services = {true, true, true});
+  explicit AgentDesktop(Services services = {true, true, true, false});
   ~AgentDesktop();
   AgentDesktop(const AgentDesktop&) = delete;
   AgentDesktop& operator=(const AgentDesktop&) = delete;
@@ -75,6 +77,7 @@ class AgentDesktop {
  private:
   [[nodiscard]] QProcessEnvironment environment() const;
 
+  const bool sharesBus_;
   QTemporaryDir home_;
   std::unique_ptr<ChildProcess> agent_;
 };
