@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <unistd.h>
 #include <vector>
@@ -40,6 +41,19 @@ Visual chooseVisual(const xcb_screen_t& screen) {
 QRect coveredPixels(const view::Rect& points, double scale) {
   return QRectF(points.x * scale, points.y * scale, points.width * scale, points.height * scale)
       .toAlignedRect();
+}
+
+// The window is much larger than what is mostly seen of it, so its memory comes from the system
+// only as far as it is painted on.
+QImage transparentImage(QSize size) {
+  constexpr auto format = QImage::Format_ARGB32_Premultiplied;
+  constexpr std::size_t bytesPerPixel = 4;
+  const auto bytesPerLine = static_cast<std::size_t>(size.width()) * bytesPerPixel;
+  auto* const pixels =
+      static_cast<uchar*>(std::calloc(static_cast<std::size_t>(size.height()), bytesPerLine));
+  if (!pixels) return {};
+  return {pixels, size.width(), size.height(), static_cast<qsizetype>(bytesPerLine),
+          format, std::free,    pixels};
 }
 
 view::Rect asPoints(const QRect& pixels, double scale) {
@@ -142,8 +156,7 @@ void X11PanelWindow::place() {
                        values);
   inputRegion_.setFrame(frame);
   applyTrackedRectangle();
-  image_ = QImage(frame.size(), QImage::Format_ARGB32_Premultiplied);
-  image_.fill(Qt::transparent);
+  image_ = transparentImage(frame.size());
   inked_ = {};
   needsFullPaint_ = true;
   if (content_) content_->setScale(screen_.scale);
