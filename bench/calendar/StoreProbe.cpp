@@ -164,6 +164,7 @@ Figures probeStore(const fs::path& home, std::size_t expected, int changes) {
   probe.run(1);
   figures["reload"] = medianReload(probe);
   figures["bytes"] = residentBytes() - emptyBytes;
+  figures["index"] = static_cast<double>(fs::file_size(pathsIn(home).index));
   if (changes > 0) figures["change"] = medianChange(probe, folder, changes);
   figures["turn"] = probe.longestTurn();
   return figures;

@@ -26,6 +26,7 @@ bool isFolderLink(const fs::path& path) {
 VdirStore::VdirStore(VdirPaths paths, const std::atomic<bool>& isStopped)
     : paths_(std::move(paths)), isStopped_(isStopped), index_(VdirIndex::load(paths_.index)) {
   since_ = index_.since;
+  for (const auto& [path, files] : index_.folders) readSinceTrim_ += files.size();
 }
 
 void VdirStore::setHorizon(const VdirHorizon& horizon) {
@@ -144,7 +145,7 @@ void VdirStore::work(std::chrono::milliseconds duration) {
     // The list of what the index knew is not kept waiting until all folders are looked through.
     if (wasReading && !isReading() && hasNews()) break;
   }
-  // What thousands of files took goes back to the system.
+  // What thousands of files, or the index of them, took goes back to the system.
   constexpr std::size_t many = 1000;
   if (readSinceTrim_ >= many && !hasWork()) {
     readSinceTrim_ = 0;
