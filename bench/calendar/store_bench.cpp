@@ -139,6 +139,8 @@ void measure(Report& report, std::size_t size, std::size_t largestForKhal) {
               Report::Goal::absolute,
               16.7});
   const auto events = static_cast<double>(size);
+  // What every process takes, whatever it shows, weighs on small folders.
+  const auto goal = size >= 100000 ? Report::Goal::absolute : Report::Goal::none;
   const auto beyondIndex = [&](Figures& figures) {
     return (figures["bytes"] - figures["index"]) / events;
   };
@@ -147,13 +149,13 @@ void measure(Report& report, std::size_t size, std::size_t largestForKhal) {
               "bytes",
               beyondIndex(first),
               {},
-              Report::Goal::absolute,
+              goal,
               200});
   report.add({"memory beyond that after the second start, an event",
               "bytes",
               beyondIndex(second),
               {},
-              Report::Goal::absolute,
+              goal,
               200});
   report.add({"events listed", "count", first["events"], naive.at("events")});
 }

@@ -195,11 +195,13 @@ std::shared_ptr<const VdirSnapshot> VdirStore::takeSnapshot() {
 void VdirStore::saveIndex() {
   isIndexOld_ = false;
   if (paths_.index.empty()) return;
-  VdirIndexWriter index(since_);
-  for (const auto& entry : entries_)
-    index.add(indexKey(entry->folder.where()), entry->folder.files());
-  static_cast<void>(std::move(index).save(paths_.index));
-  // The text of a large index is larger than all that stays.
+  {
+    VdirIndexWriter index(since_);
+    for (const auto& entry : entries_)
+      index.add(indexKey(entry->folder.where()), entry->folder.files());
+    static_cast<void>(std::move(index).save(paths_.index));
+  }
+  // The text of a large index was larger than all that stays.
   ::malloc_trim(0);
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <malloc.h>
 #include <poll.h>
 #include <utility>
 
@@ -56,6 +57,10 @@ void VdirWorker::request(VdirHorizon horizon) {
 void VdirWorker::wake() const { ::eventfd_write(wakeUp_.get(), 1); }
 
 void VdirWorker::run(const VdirPaths& paths) {
+  // Left to itself, the allocator keeps blocks of the size of the largest that was ever freed,
+  // which is that of the index.
+  constexpr int largeBlock = 256 * 1024;
+  ::mallopt(M_MMAP_THRESHOLD, largeBlock);
   VdirStore store(paths, isStopped_);
   while (!isStopped_) {
     takeRequest(store);
