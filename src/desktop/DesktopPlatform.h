@@ -13,7 +13,6 @@
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
 #include "desktop/session/DesktopNotification.h"
-#include "desktop/session/DesktopWorkspace.h"
 #include "desktop/session/FeedbackHaptics.h"
 #include "desktop/session/IniUserDefaults.h"
 #include "desktop/session/PrivacyRecord.h"
@@ -23,6 +22,7 @@
 #include "desktop/session/SessionBus.h"
 #include "desktop/ui/QtCollator.h"
 #include "desktop/ui/QtTextMetrics.h"
+#include "desktop/workspace/DesktopWorkspace.h"
 #include "platform/Platform.h"
 
 namespace valdrix::desktop {

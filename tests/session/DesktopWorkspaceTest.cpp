@@ -15,8 +15,8 @@
 #include <QTemporaryDir>
 #include <sys/wait.h>
 
-#include "desktop/session/DesktopWorkspace.h"
 #include "desktop/session/QtRunLoop.h"
+#include "desktop/workspace/DesktopWorkspace.h"
 #include "tests/session/PrivateBus.h"
 #include "tests/support/WaitFor.h"
 

@@ -1,4 +1,4 @@
-#include "desktop/session/KOrganizerDay.h"
+#include "desktop/workspace/KOrganizerDay.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>

@@ -1,4 +1,4 @@
-#include "desktop/session/DetachedProgram.h"
+#include "desktop/workspace/DetachedProgram.h"
 
 #include <csignal>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "desktop/session/DesktopApplications.h"
+#include "desktop/workspace/DesktopApplications.h"
 
 #include <utility>
 

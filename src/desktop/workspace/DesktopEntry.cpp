@@ -1,4 +1,4 @@
-#include "desktop/session/DesktopEntry.h"
+#include "desktop/workspace/DesktopEntry.h"
 
 #include <algorithm>
 #include <filesystem>

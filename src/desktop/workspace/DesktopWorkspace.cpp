@@ -1,4 +1,4 @@
-#include "desktop/session/DesktopWorkspace.h"
+#include "desktop/workspace/DesktopWorkspace.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,8 +6,8 @@
 #include <QFile>
 #include <QStandardPaths>
 
-#include "desktop/session/DesktopApplications.h"
-#include "desktop/session/DetachedProgram.h"
+#include "desktop/workspace/DesktopApplications.h"
+#include "desktop/workspace/DetachedProgram.h"
 
 namespace valdrix::desktop {
 

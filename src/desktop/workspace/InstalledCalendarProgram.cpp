@@ -8,8 +8,8 @@
 #include <QFileInfo>
 #include <QUrl>
 
-#include "desktop/session/CalendarPrograms.h"
-#include "desktop/session/DesktopApplications.h"
+#include "desktop/workspace/CalendarPrograms.h"
+#include "desktop/workspace/DesktopApplications.h"
 
 namespace valdrix::desktop {
 

@@ -8,9 +8,9 @@
 
 #include <QDate>
 
-#include "desktop/session/CalendarPrograms.h"
-#include "desktop/session/KOrganizerDay.h"
 #include "desktop/session/SessionBus.h"
+#include "desktop/workspace/CalendarPrograms.h"
+#include "desktop/workspace/KOrganizerDay.h"
 #include "platform/Workspace.h"
 
 namespace valdrix::desktop {

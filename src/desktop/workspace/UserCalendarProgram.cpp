@@ -2,9 +2,9 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/session/CalendarPrograms.h"
 #include "desktop/session/IniDocument.h"
 #include "desktop/session/WholeFile.h"
+#include "desktop/workspace/CalendarPrograms.h"
 
 namespace valdrix::desktop {
 

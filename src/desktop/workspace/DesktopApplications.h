@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include "desktop/session/DesktopEntry.h"
+#include "desktop/workspace/DesktopEntry.h"
 
 namespace valdrix::desktop {
 
