@@ -44,6 +44,9 @@ SoundServer::SoundServer(SoundServerKind kind) : kind_(kind) {}
 SoundServer::~SoundServer() { stop(); }
 
 bool SoundServer::start(const std::vector<Sink>& sinks) {
+  // Servers that were killed leave theirs behind.
+  for (const char* socket : {"bus", "pipewire-0", "pulse/native"})
+    QFile::remove(folder_.filePath(socket));
   if (kind_ == SoundServerKind::pulseAudio)
     startPulseAudio();
   else

@@ -7,6 +7,7 @@
 #include <functional>
 #include <poll.h>
 
+#include <xcb/composite.h>
 #include <xcb/xcb_keysyms.h>
 #include <xcb/xfixes.h>
 #include <xcb/xtest.h>
@@ -48,6 +49,8 @@ VirtualDisplay::VirtualDisplay(QSize size) : home_(makeTemporaryFolder()) {
   xcb_change_window_attributes(connection_.get(), root_, XCB_CW_EVENT_MASK, &events);
   owned(xcb_xfixes_query_version_reply(connection_.get(),
                                        xcb_xfixes_query_version(connection_.get(), 2, 0), nullptr));
+  owned(xcb_composite_query_version_reply(
+      connection_.get(), xcb_composite_query_version(connection_.get(), 0, 2), nullptr));
   xcb_xfixes_select_selection_input(connection_.get(), root_, atom("_NET_WM_CM_S0"),
                                     XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                         XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
@@ -57,12 +60,9 @@ VirtualDisplay::VirtualDisplay(QSize size) : home_(makeTemporaryFolder()) {
 bool VirtualDisplay::await(const std::function<bool()>& condition, int milliseconds) const {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
   while (!condition()) {
-    // An event that came with the answer to a question is not seen at the socket any more.
-    if (owned(xcb_poll_for_event(connection_.get()))) continue;
     const auto rest =
         std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    pollfd socket{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
-    if (rest.count() <= 0 || poll(&socket, 1, static_cast<int>(rest.count())) <= 0) return false;
+    if (rest.count() <= 0 || !awaitsEvent(static_cast<int>(rest.count()))) return false;
   }
   return true;
 }
@@ -154,8 +154,32 @@ bool VirtualDisplay::startWindowManager() {
   // The first may be one of those that it finds at the end of its start.
   constexpr int mostTries = 50;
   for (int tries = 0; tries < mostTries; ++tries)
-    if (takesWindowsIn() && takesWindowsIn()) return true;
+    if (takesWindowsIn() && takesWindowsIn()) return awaitRest();
   return false;
+}
+
+// Nothing says that another program has done all that it does at its start.
+bool VirtualDisplay::awaitRest() const {
+  constexpr int restMilliseconds = 20;
+  const auto select = [this](std::uint32_t events) {
+    xcb_change_window_attributes(connection_.get(), root_, XCB_CW_EVENT_MASK, &events);
+  };
+  select(XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (std::chrono::steady_clock::now() < deadline && awaitsEvent(restMilliseconds))
+    ;
+  select(XCB_EVENT_MASK_PROPERTY_CHANGE);
+  while (owned(xcb_poll_for_event(connection_.get())))
+    ;
+  return std::chrono::steady_clock::now() < deadline;
+}
+
+bool VirtualDisplay::awaitsEvent(int milliseconds) const {
+  // An event that came with the answer to a question is not seen at the socket any more.
+  if (owned(xcb_poll_for_event(connection_.get()))) return true;
+  xcb_flush(connection_.get());
+  pollfd socket{xcb_get_file_descriptor(connection_.get()), POLLIN, 0};
+  return poll(&socket, 1, milliseconds) > 0;
 }
 
 void VirtualDisplay::stopWindowManager() { windowManager_.reset(); }
@@ -164,7 +188,32 @@ bool VirtualDisplay::startCompositor() {
   compositor_ = std::make_unique<SpawnedProgram>(
       std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
       variables());
-  return await([this] { return hasCompositor(); });
+  return await([this] { return hasCompositor(); }) && paintsWindows() && awaitRest();
+}
+
+// It takes its selection early; only from when it paints the windows does the server keep pictures
+// of them.
+bool VirtualDisplay::paintsWindows() const {
+  auto* const connection = connection_.get();
+  const auto window = xcb_generate_id(connection);
+  const std::uint32_t isUnmanaged = 1;
+  xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                    &isUnmanaged);
+  xcb_map_window(connection, window);
+  const auto hasPicture = [&] {
+    const auto picture = xcb_generate_id(connection);
+    const auto request = xcb_composite_name_window_pixmap_checked(connection, window, picture);
+    if (owned(xcb_request_check(connection, request))) return false;
+    xcb_free_pixmap(connection, picture);
+    return true;
+  };
+  constexpr int mostTries = 1000;
+  constexpr int milliseconds = 10;
+  int tries = 0;
+  while (!hasPicture() && ++tries < mostTries) static_cast<void>(awaitsEvent(milliseconds));
+  xcb_destroy_window(connection, window);
+  return tries < mostTries;
 }
 
 void VirtualDisplay::stopCompositor() {

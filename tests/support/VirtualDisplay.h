@@ -77,6 +77,11 @@ class VirtualDisplay {
   [[nodiscard]] bool takesWindowsIn() const;
   /// Looks at `condition` anew after each event of the server's, for so long at most.
   [[nodiscard]] bool await(const std::function<bool()>& condition, int milliseconds = 10000) const;
+  /// True if an event came within that time.
+  [[nodiscard]] bool awaitsEvent(int milliseconds) const;
+  /// Until no window comes, goes or moves any more.
+  [[nodiscard]] bool awaitRest() const;
+  [[nodiscard]] bool paintsWindows() const;
   void fake(std::uint8_t type, std::uint8_t detail, QPoint at = {});
   bool fakeKey(std::uint8_t type, xcb_keysym_t keysym);
 
