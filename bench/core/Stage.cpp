@@ -32,6 +32,10 @@ platform::Platform withPointer(const platform::Platform& ports, platform::Pointe
           .eventStore = ports.eventStore,
           .collator = ports.collator,
           .workspace = ports.workspace,
+          .loginItem = ports.loginItem,
+          .urlSession = ports.urlSession,
+          .bundle = ports.bundle,
+          .sceneHost = ports.sceneHost,
           .textMetrics = ports.textMetrics};
 }
 

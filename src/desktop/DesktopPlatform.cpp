@@ -79,6 +79,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
                            [this](std::string_view identifier) {
                              return findEvent(eventStore_, userCalendar_, identifier);
                            }}),
+      urlSession_(runLoop),
       windowSystem_(
           windowSystem.make(runLoop, textMetrics_,
                             [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
@@ -101,6 +102,10 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .eventStore = eventStore_,
              .collator = collator_,
              .workspace = workspace_,
+             .loginItem = loginItem_,
+             .urlSession = urlSession_,
+             .bundle = bundle_,
+             .sceneHost = sceneHost_,
              .textMetrics = textMetrics_} {}
 
 QJsonObject DesktopPlatform::backends() const {

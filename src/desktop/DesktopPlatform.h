@@ -12,6 +12,9 @@
 #include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
+#include "desktop/net/HttpsUrlSession.h"
+#include "desktop/scenes/QtSceneHost.h"
+#include "desktop/session/CompiledBundle.h"
 #include "desktop/session/DesktopNotification.h"
 #include "desktop/session/FeedbackHaptics.h"
 #include "desktop/session/IniUserDefaults.h"
@@ -20,6 +23,7 @@
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/session/QtUserCalendar.h"
 #include "desktop/session/SessionBus.h"
+#include "desktop/session/XdgLoginItem.h"
 #include "desktop/ui/QtCollator.h"
 #include "desktop/ui/QtTextMetrics.h"
 #include "desktop/workspace/DesktopWorkspace.h"
@@ -69,6 +73,10 @@ class DesktopPlatform {
   DesktopEventStore eventStore_;
   QtCollator collator_;
   DesktopWorkspace workspace_;
+  XdgLoginItem loginItem_;
+  HttpsUrlSession urlSession_;
+  CompiledBundle bundle_;
+  QtSceneHost sceneHost_;
   std::unique_ptr<WindowSystem> windowSystem_;
   Token preferencesObserver_;
   platform::Platform ports_;

@@ -15,6 +15,9 @@ class Application {
   virtual ~Application() = default;
 
   virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+  /// Makes this the active program, as far as the desktop lets it: what windows it has come to the
+  /// front, and one that opens next opens there.
+  virtual void activate() = 0;
   /// Ends the program by the normal way out, after the current turn of the loop.
   virtual void terminate() = 0;
 };

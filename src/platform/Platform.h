@@ -3,6 +3,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Application.h"
 #include "platform/AudioHardware.h"
+#include "platform/Bundle.h"
 #include "platform/Collator.h"
 #include "platform/Cursor.h"
 #include "platform/DisplayServices.h"
@@ -10,10 +11,13 @@
 #include "platform/EventStore.h"
 #include "platform/EventTaps.h"
 #include "platform/Haptics.h"
+#include "platform/LoginItem.h"
 #include "platform/PanelWindow.h"
 #include "platform/Pointer.h"
 #include "platform/RunLoop.h"
+#include "platform/SceneHost.h"
 #include "platform/Screens.h"
+#include "platform/UrlSession.h"
 #include "platform/UserCalendar.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
@@ -41,6 +45,10 @@ struct Platform {
   EventStore& eventStore;
   const Collator& collator;
   Workspace& workspace;
+  LoginItem& loginItem;
+  UrlSession& urlSession;
+  const Bundle& bundle;
+  SceneHost& sceneHost;
   const view::TextMetrics& textMetrics;
 };
 

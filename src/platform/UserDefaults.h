@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
+
+#include "observation/Token.h"
 
 namespace valdrix::platform {
 
@@ -39,6 +42,9 @@ class UserDefaults {
   /// Stores `value` for the user. Reads see it at once; on a desktop it is on disk when the call
   /// returns, whole or not at all.
   virtual void set(std::string_view key, Value value) = 0;
+
+  /// Calls `block` after the stored values may have changed, whoever changed them.
+  [[nodiscard]] virtual Token observeChanges(std::function<void()> block) = 0;
 };
 
 }  // namespace valdrix::platform

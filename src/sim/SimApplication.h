@@ -11,6 +11,7 @@ class SimApplication final : public platform::Application {
   explicit SimApplication(Trace& trace) : trace_(trace) {}
 
   void setActivationPolicy(platform::ActivationPolicy policy) override;
+  void activate() override { trace_.add("application activate"); }
   void terminate() override;
 
   [[nodiscard]] platform::ActivationPolicy activationPolicy() const { return policy_; }

@@ -5,6 +5,7 @@
 #include "sim/SimAccessibility.h"
 #include "sim/SimApplication.h"
 #include "sim/SimAudioHardware.h"
+#include "sim/SimBundle.h"
 #include "sim/SimCollator.h"
 #include "sim/SimCursor.h"
 #include "sim/SimDisplayServices.h"
@@ -12,10 +13,13 @@
 #include "sim/SimEventStore.h"
 #include "sim/SimEventTaps.h"
 #include "sim/SimHaptics.h"
+#include "sim/SimLoginItem.h"
 #include "sim/SimPanelWindows.h"
 #include "sim/SimPointer.h"
+#include "sim/SimSceneHost.h"
 #include "sim/SimScreens.h"
 #include "sim/SimTextMetrics.h"
+#include "sim/SimUrlSession.h"
 #include "sim/SimUserCalendar.h"
 #include "sim/SimUserDefaults.h"
 #include "sim/SimWorkspace.h"
@@ -48,6 +52,10 @@ class SimDesktop {
                   .eventStore = eventStore,
                   .collator = collator,
                   .workspace = workspace,
+                  .loginItem = loginItem,
+                  .urlSession = urlSession,
+                  .bundle = bundle,
+                  .sceneHost = sceneHost,
                   .textMetrics = textMetrics ? *textMetrics : simTextMetrics_} {}
   SimDesktop(const SimDesktop&) = delete;
   SimDesktop& operator=(const SimDesktop&) = delete;
@@ -72,6 +80,10 @@ class SimDesktop {
   SimEventStore eventStore{trace, runLoop};
   SimCollator collator;
   SimWorkspace workspace{trace};
+  SimLoginItem loginItem{trace};
+  SimUrlSession urlSession{trace, runLoop};
+  SimBundle bundle;
+  SimSceneHost sceneHost{trace};
 
  private:
   SimTextMetrics simTextMetrics_;

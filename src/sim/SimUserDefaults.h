@@ -1,5 +1,6 @@
 #pragma once
 
+#include "observation/Listeners.h"
 #include "platform/TextUserDefaults.h"
 #include "sim/Trace.h"
 
@@ -11,6 +12,9 @@ class SimUserDefaults : public platform::TextUserDefaults {
   explicit SimUserDefaults(Trace& trace) : trace_(trace) {}
 
   void set(std::string_view key, Value value) override;
+  [[nodiscard]] Token observeChanges(std::function<void()> block) override {
+    return listeners_.add(std::move(block));
+  }
 
   /// Stores any text under `key`, as a user with an editor would.
   void setFromOutside(std::string_view key, std::string text);
@@ -23,6 +27,7 @@ class SimUserDefaults : public platform::TextUserDefaults {
  private:
   Trace& trace_;
   std::map<std::string, std::string, std::less<>> stored_;
+  Listeners<> listeners_;
 };
 
 }  // namespace valdrix::sim

@@ -42,7 +42,7 @@ class IniUserDefaults final : public platform::TextUserDefaults {
 
   /// Calls `block` at a later turn of the loop after stored values changed, by this program or by
   /// others; several changes may give one call.
-  [[nodiscard]] Token observeChanges(std::function<void()> block);
+  [[nodiscard]] Token observeChanges(std::function<void()> block) override;
 
  protected:
   [[nodiscard]] std::optional<std::string_view> storedText(std::string_view key) const override;

@@ -1,11 +1,20 @@
 #include "desktop/session/QtApplication.h"
 
 #include <QGuiApplication>
+#include <QWindow>
 
 namespace valdrix::desktop {
 
 void QtApplication::setActivationPolicy(platform::ActivationPolicy policy) {
   QGuiApplication::setQuitOnLastWindowClosed(policy == platform::ActivationPolicy::regular);
+}
+
+void QtApplication::activate() {
+  for (QWindow* window : QGuiApplication::topLevelWindows()) {
+    if (!window->isVisible()) continue;
+    window->raise();
+    window->requestActivate();
+  }
 }
 
 void QtApplication::terminate() {
