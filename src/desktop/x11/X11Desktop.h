@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/x11/CameraHousings.h"
+#include "desktop/screens/CameraHousings.h"
 #include "desktop/x11/X11Compositing.h"
 #include "desktop/x11/X11Connection.h"
 #include "desktop/x11/X11Cursor.h"

@@ -5,7 +5,7 @@
 #include <QAbstractNativeEventFilter>
 #include <QObject>
 
-#include "desktop/x11/CameraHousings.h"
+#include "desktop/screens/CameraHousings.h"
 #include "desktop/x11/ScreenLayout.h"
 #include "observation/Listeners.h"
 #include "platform/Screens.h"

@@ -1,4 +1,4 @@
-#include "desktop/x11/CameraHousings.h"
+#include "desktop/screens/CameraHousings.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@
 #include <QStandardPaths>
 #include <QtEndian>
 
-#include "desktop/x11/PathBounds.h"
+#include "desktop/screens/PathBounds.h"
 
 namespace valdrix::desktop {
 

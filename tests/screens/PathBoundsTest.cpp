@@ -1,7 +1,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "desktop/x11/PathBounds.h"
+#include "desktop/screens/PathBounds.h"
 
 namespace valdrix::desktop {
 namespace {

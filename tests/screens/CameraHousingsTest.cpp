@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "desktop/x11/CameraHousings.h"
+#include "desktop/screens/CameraHousings.h"
 
 namespace valdrix::desktop {
 namespace {

@@ -1,4 +1,4 @@
-#include "desktop/x11/PathBounds.h"
+#include "desktop/screens/PathBounds.h"
 
 #include <algorithm>
 #include <array>
