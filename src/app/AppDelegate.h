@@ -37,6 +37,7 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   [[nodiscard]] const CalendarService& calendarService() const { return calendarService_; }
   [[nodiscard]] const VolumeService& volumeService() const { return volumeService_; }
   [[nodiscard]] const BrightnessService& brightnessService() const { return brightnessService_; }
+  [[nodiscard]] MediaKeyMonitor& mediaKeyMonitor() { return mediaKeyMonitor_; }
   [[nodiscard]] const MediaKeyMonitor& mediaKeyMonitor() const { return mediaKeyMonitor_; }
   /// Whether the notch is on a screen.
   [[nodiscard]] bool hasWindow() const {
