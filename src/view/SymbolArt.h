@@ -27,7 +27,8 @@ struct Symbol {
 /// Lasts as long as the program. Main thread only.
 ///
 /// All speakers are of one width with the speaker in one place, and so are both suns, so that
-/// nothing moves when one takes another's place.
+/// nothing moves when one takes another's place. The signs of controls fill a square, all of one
+/// size.
 [[nodiscard]] const Symbol* symbolNamed(std::string_view name, FontWeight weight);
 
 }  // namespace valdrix::view

@@ -16,7 +16,15 @@ const char* const names[] = {"speaker.slash.fill",
                              "sun.min.fill",
                              "sun.max.fill",
                              "sparkles",
-                             "lock.fill"};
+                             "lock.fill",
+                             "gear",
+                             "calendar",
+                             "slider.horizontal.below.rectangle",
+                             "info.circle",
+                             "checkmark.circle.fill",
+                             "xmark.circle.fill",
+                             "safari",
+                             "rectangle.topthird.inset.filled"};
 
 TEST(SymbolArt, EveryPartIsDrawnInsideTheSymbolsBox) {
   for (const char* name : names) {
