@@ -6,6 +6,7 @@
 
 #include "preferences/HiddenCalendars.h"
 #include "preferences/PreferenceKeys.h"
+#include "preferences/PreferenceRules.h"
 
 namespace valdrix {
 
@@ -30,7 +31,7 @@ bool startsBefore(const Event& a, const Event& b) {
 
 CalendarService::CalendarService(const Ports& ports)
     : ports_(ports), authStatus_(ports.eventStore.authorizationStatus()) {
-  changeObserver_ = ports_.eventStore.observeChanges(lifetime_.weak([this] { reloadEvents(); }));
+  changeObserver_ = ports_.eventStore.observeChanges(lifetime_.weak([this] { storeChanged(); }));
   userCalendarObserver_ =
       ports_.userCalendar.observeChanges(lifetime_.weak([this] { userCalendarChanged(); }));
   if (authStatus_ != EventAuthorization::fullAccess) return;
@@ -58,6 +59,11 @@ void CalendarService::accessAnswered() {
   startRefreshTimer();
 }
 
+void CalendarService::storeChanged() {
+  reloadEvents();
+  storeChanges_ = storeChanges_ + 1;
+}
+
 void CalendarService::userCalendarChanged() {
   reloadEvents();
   userCalendarChanges_ = userCalendarChanges_ + 1;
@@ -81,8 +87,8 @@ std::vector<std::string> CalendarService::shownCalendarIdentifiers() const {
 
 std::optional<Instant> CalendarService::windowEnd(Instant now) const {
   const auto& calendar = ports_.userCalendar;
-  const auto days = std::max<std::int64_t>(
-      1, ports_.userDefaults.integerForKey(preferenceKeys::calendarWindowDays));
+  const auto days = preferenceRules::calendarCount(
+      ports_.userDefaults.integerForKey(preferenceKeys::calendarWindowDays));
   const auto end = calendar.addDays(calendar.startOfDay(now), days);
   // A day that does not begin at midnight, counted on from, would make all others begin late.
   return end ? std::optional(calendar.startOfDay(*end)) : std::nullopt;
@@ -98,13 +104,14 @@ void CalendarService::reloadEvents() {
   if (!end) return;
   auto events = ports_.eventStore.events(now, *end, shownCalendarIdentifiers());
   std::stable_sort(events.begin(), events.end(), startsBefore);
-  const auto most = static_cast<std::uint64_t>(std::max<std::int64_t>(
-      1, ports_.userDefaults.integerForKey(preferenceKeys::calendarMaxEvents)));
+  const auto most = static_cast<std::uint64_t>(preferenceRules::calendarCount(
+      ports_.userDefaults.integerForKey(preferenceKeys::calendarMaxEvents)));
   if (events.size() > most) events.resize(most);
   events_ = std::move(events);
 }
 
 std::vector<EventCalendar> CalendarService::availableCalendars() const {
+  (void)storeChanges_.get();
   if (authStatus_ != EventAuthorization::fullAccess) return {};
   auto calendars = ports_.eventStore.calendars();
   std::stable_sort(calendars.begin(), calendars.end(),

@@ -48,13 +48,15 @@ class CalendarService {
   void requestAccess();
   /// Makes the list anew. To be called after a preference that it depends on changed.
   void reloadEvents();
-  /// All calendars that hold events, hidden ones too, by title; none without access.
+  /// All calendars that hold events, hidden ones too, by title; none without access. Views that
+  /// read them are told when the store changed.
   [[nodiscard]] std::vector<platform::EventCalendar> availableCalendars() const;
   /// Shows the user where access can be granted and taken back.
   void openCalendarPrivacySettings() const;
 
  private:
   void accessAnswered();
+  void storeChanged();
   void userCalendarChanged();
   void startRefreshTimer();
   [[nodiscard]] std::vector<std::string> shownCalendarIdentifiers() const;
@@ -67,6 +69,8 @@ class CalendarService {
   Token userCalendarObserver_;
   Observed<platform::EventAuthorization> authStatus_;
   Observed<std::vector<platform::Event>> events_;
+  /// How often the store changed.
+  Observed<std::uint64_t> storeChanges_{0U};
   /// How often the user's calendar changed.
   Observed<std::uint64_t> userCalendarChanges_{0U};
   Lifetime lifetime_;

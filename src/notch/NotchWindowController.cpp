@@ -6,8 +6,8 @@
 #include "notch/NotchGeometry.h"
 #include "notch/NotchRootView.h"
 #include "notch/NotchScreen.h"
-#include "preferences/PreferenceDefaults.h"
 #include "preferences/PreferenceKeys.h"
+#include "preferences/PreferenceRules.h"
 #include "view/HostingView.h"
 #include "view/Transaction.h"
 
@@ -155,8 +155,8 @@ void NotchWindowController::showBrightnessHUD(float level) {
 }
 
 double NotchWindowController::hudDuration() const {
-  const double duration = platform_.userDefaults.doubleForKey(preferenceKeys::hudDuration);
-  return duration > 0 ? duration : preferenceDefaults::hudDuration;
+  return preferenceRules::hudDuration(
+      platform_.userDefaults.doubleForKey(preferenceKeys::hudDuration));
 }
 
 void NotchWindowController::scheduleVolumeHUDDismiss() {

@@ -20,6 +20,8 @@ class Observed {
     readers_.registerReader();
     return value_;
   }
+  /// The value, read on nobody's behalf.
+  [[nodiscard]] const T& peek() const { return value_; }
   operator const T&() const { return get(); }  // NOLINT(google-explicit-constructor)
 
   /// Stores `value` and tells the readers when it differs from the stored one.

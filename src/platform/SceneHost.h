@@ -11,8 +11,9 @@
 
 namespace valdrix::platform {
 
-/// An item in the desktop's bar with a menu. `content` is asked for when the item appears, each
-/// time the menu is about to open, and whenever a value that it read has changed.
+/// An item in the desktop's bar with a menu. `content` is asked for when the item appears, which is
+/// a later turn of the loop than the one that added it, each time the menu is about to open, and
+/// whenever a value that it read has changed.
 struct MenuBarExtra {
   std::string title;
   std::string symbol;

@@ -24,9 +24,10 @@ class UrlSession {
  public:
   virtual ~UrlSession() = default;
 
-  /// Begins a transfer and returns at once. `completion` is called on the main thread, with nothing
-  /// when no whole answer came: no network, an untrusted certificate, too large, too late. Ending
-  /// the token gives the transfer up; then there is no call.
+  /// Begins a transfer and returns at once. `completion` is called on the main thread in a later
+  /// turn of the loop, with nothing when no whole answer came: no network, an untrusted
+  /// certificate, too large, too late. It may end the token. Ending it before gives the transfer
+  /// up; then there is no call.
   [[nodiscard]] virtual Token data(
       const UrlRequest& request,
       std::function<void(std::optional<UrlResponse> response)> completion) = 0;

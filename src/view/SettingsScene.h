@@ -35,7 +35,8 @@ struct AboutPanel {
 using TabContent = std::variant<Form, AboutPanel>;
 
 /// What a tab shows, for as long as it is on screen: made when it appears and ended when it
-/// disappears, with all the state and the timers that it needs meanwhile. Main thread only.
+/// disappears, with all the state and the timers that it needs meanwhile. The actions that it
+/// described end with it. Main thread only.
 class TabView {
  public:
   virtual ~TabView() = default;

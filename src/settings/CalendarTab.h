@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "observation/Observer.h"
+#include "preferences/BoundPreferences.h"
+#include "preferences/HiddenCalendars.h"
+#include "settings/CalendarPermissionRow.h"
+#include "settings/SettingsEnvironment.h"
+#include "view/SettingsScene.h"
+
+namespace valdrix {
+
+/// Which events the notch lists. The list follows every change at once.
+class CalendarTab final : public view::TabView {
+ public:
+  explicit CalendarTab(const SettingsEnvironment& environment);
+
+  [[nodiscard]] view::TabContent body() const override;
+
+ private:
+  /// How much is listed, as stored.
+  struct Extent {
+    std::int64_t maxEvents;
+    std::int64_t windowDays;
+    bool operator==(const Extent&) const = default;
+  };
+
+  [[nodiscard]] Extent extent() const;
+  void preferencesChanged();
+  [[nodiscard]] view::FormSection displaySection() const;
+  [[nodiscard]] view::FormSection calendarSection() const;
+  [[nodiscard]] view::FormRow calendarRow(const platform::EventCalendar& calendar,
+                                          bool isHidden) const;
+  [[nodiscard]] HiddenCalendars hiddenCalendars() const;
+  void setHidden(const std::string& calendarID, bool isHidden) const;
+
+  CalendarService& calendarService_;
+  CalendarPermissionRow calendarPermissionRow_;
+  BoundPreferences preferences_;
+  Observer extentObserver_;
+  Extent latestExtent_;
+};
+
+}  // namespace valdrix
