@@ -10,6 +10,10 @@
 #ifdef VALDRIX_CALENDAR_SERVER
 #include "desktop/calendarserver/CalendarServerSource.h"
 #endif
+#ifdef VALDRIX_UPDATE_CHECK
+#include "desktop/net/HttpsUrlSession.h"
+#endif
+#include "desktop/session/NoUrlSession.h"
 #include "desktop/vdir/VdirSource.h"
 
 namespace valdrix::desktop {
@@ -39,6 +43,14 @@ DesktopEventStore::Sources calendarSources(platform::RunLoop& runLoop, SessionBu
   (void)bus;
 #endif
   return sources;
+}
+
+std::unique_ptr<platform::UrlSession> makeUrlSession(platform::RunLoop& runLoop) {
+#ifdef VALDRIX_UPDATE_CHECK
+  return std::make_unique<HttpsUrlSession>(runLoop);
+#else
+  return std::make_unique<NoUrlSession>(runLoop);
+#endif
 }
 
 std::optional<DesktopWorkspace::EventPlace> findEvent(const DesktopEventStore& store,
@@ -79,7 +91,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
                            [this](std::string_view identifier) {
                              return findEvent(eventStore_, userCalendar_, identifier);
                            }}),
-      urlSession_(runLoop),
+      urlSession_(makeUrlSession(runLoop)),
       windowSystem_(
           windowSystem.make(runLoop, textMetrics_,
                             [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
@@ -103,7 +115,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .collator = collator_,
              .workspace = workspace_,
              .loginItem = loginItem_,
-             .urlSession = urlSession_,
+             .urlSession = *urlSession_,
              .bundle = bundle_,
              .sceneHost = sceneHost_,
              .textMetrics = textMetrics_} {}

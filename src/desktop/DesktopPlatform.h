@@ -12,7 +12,6 @@
 #include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
-#include "desktop/net/HttpsUrlSession.h"
 #include "desktop/scenes/QtSceneHost.h"
 #include "desktop/session/CompiledBundle.h"
 #include "desktop/session/DesktopNotification.h"
@@ -74,7 +73,7 @@ class DesktopPlatform {
   QtCollator collator_;
   DesktopWorkspace workspace_;
   XdgLoginItem loginItem_;
-  HttpsUrlSession urlSession_;
+  std::unique_ptr<platform::UrlSession> urlSession_;
   CompiledBundle bundle_;
   QtSceneHost sceneHost_;
   std::unique_ptr<WindowSystem> windowSystem_;
