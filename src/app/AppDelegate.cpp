@@ -24,7 +24,9 @@ AppDelegate::AppDelegate(const platform::Platform& platform)
       volumeService_(platform.audioHardware),
       brightnessService_(platform.displayServices, platform.displays),
       mediaKeyMonitor_(platform.runLoop, platform.accessibility, platform.eventTaps,
-                       platform.userDefaults) {}
+                       platform.userDefaults),
+      launchAtLoginService_(platform.loginItem),
+      updateCheckService_(platform.urlSession, platform.userCalendar, platform.bundle) {}
 
 NotchWindowController& AppDelegate::windowController() {
   if (!windowController_)
@@ -41,6 +43,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     platform_.accessibility.isProcessTrustedWithOptions(true);
     mediaKeyMonitor_.startPermissionRetry();
   }
+  updateCheckService_.checkIfNeeded();
 }
 
 bool AppDelegate::canHandleBrightnessKeys() const { return brightnessService_.isAvailable(); }

@@ -9,6 +9,8 @@
 #include "notch/NotchViewModel.h"
 #include "notch/NotchWindowController.h"
 #include "platform/Platform.h"
+#include "settings/LaunchAtLoginService.h"
+#include "settings/UpdateCheckService.h"
 
 namespace valdrix {
 
@@ -21,7 +23,8 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   /// `platform` must outlive the delegate.
   [[nodiscard]] static std::shared_ptr<AppDelegate> make(const platform::Platform& platform);
 
-  /// Launching has finished: puts up the notch and starts to take the media keys.
+  /// Launching has finished: puts up the notch, starts to take the media keys and has the published
+  /// version looked up.
   void applicationDidFinishLaunching();
   [[nodiscard]] bool applicationSupportsSecureRestorableState() const { return true; }
 
@@ -39,6 +42,8 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   [[nodiscard]] const BrightnessService& brightnessService() const { return brightnessService_; }
   [[nodiscard]] MediaKeyMonitor& mediaKeyMonitor() { return mediaKeyMonitor_; }
   [[nodiscard]] const MediaKeyMonitor& mediaKeyMonitor() const { return mediaKeyMonitor_; }
+  [[nodiscard]] LaunchAtLoginService& launchAtLoginService() { return launchAtLoginService_; }
+  [[nodiscard]] UpdateCheckService& updateCheckService() { return updateCheckService_; }
   /// Whether the notch is on a screen.
   [[nodiscard]] bool hasWindow() const {
     return windowController_ && windowController_->hasWindow();
@@ -62,6 +67,8 @@ class AppDelegate final : public MediaKeyMonitorDelegate,
   VolumeService volumeService_;
   BrightnessService brightnessService_;
   MediaKeyMonitor mediaKeyMonitor_;
+  LaunchAtLoginService launchAtLoginService_;
+  UpdateCheckService updateCheckService_;
   std::unique_ptr<NotchWindowController> windowController_;
 };
 

@@ -3,17 +3,18 @@
 #include <memory>
 
 #include "app/AppDelegate.h"
+#include "observation/Token.h"
 #include "platform/Platform.h"
 
 namespace valdrix {
 
 /// The entry of the application on one platform: has the one `AppDelegate`, from which everything
-/// else is reached.
+/// else is reached, and declares the scenes, the item with the menu and the settings window.
 class ValdrixApp {
  public:
-  /// Makes the delegate with its services. `platform` must outlive the application.
-  explicit ValdrixApp(const platform::Platform& platform)
-      : appDelegate_(AppDelegate::make(platform)) {}
+  /// Makes the delegate with its services, then declares the scenes. `platform` must outlive the
+  /// application.
+  explicit ValdrixApp(const platform::Platform& platform);
 
   /// To be called once, from the running loop's first turn or just before it.
   void didFinishLaunching() { appDelegate_->applicationDidFinishLaunching(); }
@@ -22,6 +23,9 @@ class ValdrixApp {
 
  private:
   std::shared_ptr<AppDelegate> appDelegate_;
+  // The scenes show the delegate's services, so they end first.
+  Token menuBarExtra_;
+  Token settings_;
 };
 
 }  // namespace valdrix

@@ -8,4 +8,6 @@ std::string_view applicationInfo::websiteURL() {
   return url;
 }
 
+std::string applicationInfo::versionURL() { return std::string(websiteURL()) + "/version.txt"; }
+
 }  // namespace valdrix

@@ -13,7 +13,7 @@ UpdateCheckService::UpdateCheckService(platform::UrlSession& urlSession,
     : urlSession_(urlSession),
       userCalendar_(userCalendar),
       bundle_(bundle),
-      versionURL_(std::string(applicationInfo::websiteURL()) + "/version.txt"),
+      versionURL_(applicationInfo::versionURL()),
       websiteURL_(applicationInfo::websiteURL()) {}
 
 bool UpdateCheckService::isThrottled() const {

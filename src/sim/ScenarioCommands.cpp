@@ -9,6 +9,7 @@
 #include "sim/ScenarioCalendarCommands.h"
 #include "sim/ScenarioError.h"
 #include "sim/ScenarioPlayer.h"
+#include "sim/ScenarioSettingsCommands.h"
 
 namespace valdrix::sim {
 
@@ -342,8 +343,8 @@ constexpr auto commands = std::to_array<ScenarioCommand>({
 
 Scenario::Action parseScenarioCommand(ScenarioWords& words) {
   const auto name = words.take("une commande");
-  for (const auto subject :
-       {std::span<const ScenarioCommand>(commands), scenarioCalendarCommands()}) {
+  for (const auto subject : {std::span<const ScenarioCommand>(commands), scenarioCalendarCommands(),
+                             scenarioSettingsCommands()}) {
     const auto command = std::ranges::find(subject, name, &ScenarioCommand::name);
     if (command == subject.end()) continue;
     auto action = command->parse(words);

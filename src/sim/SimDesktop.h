@@ -83,7 +83,7 @@ class SimDesktop {
   SimLoginItem loginItem{trace};
   SimUrlSession urlSession{trace, runLoop};
   SimBundle bundle;
-  SimSceneHost sceneHost{trace};
+  SimSceneHost sceneHost{trace, runLoop};
 
  private:
   SimTextMetrics simTextMetrics_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 #include <utility>
 
 namespace valdrix::sim {
@@ -27,6 +28,9 @@ std::vector<EventCalendar> SimEventStore::calendars() const {
 std::vector<Event> SimEventStore::events(
     platform::Instant start, platform::Instant end,
     const std::vector<std::string>& calendarIdentifiers) const {
+  std::string names;
+  for (const auto& identifier : calendarIdentifiers) names += ' ' + identifier;
+  trace_.add("query in" + (names.empty() ? " nothing" : names));
   std::vector<Event> found;
   if (status_ != EventAuthorization::fullAccess) return found;
   std::ranges::copy_if(events_, std::back_inserter(found), [&](const Event& event) {

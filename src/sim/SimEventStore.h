@@ -12,6 +12,7 @@ namespace valdrix::sim {
 
 /// The simulated user's calendars, and what the user answers when asked for them. What is added and
 /// removed is so by another program; a turn of the loop in which that happened gives one notice.
+/// Each question for occurrences is traced.
 class SimEventStore final : public platform::EventStore {
  public:
   SimEventStore(Trace& trace, platform::RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}

@@ -15,8 +15,8 @@ Token SimUrlSession::data(const platform::UrlRequest& request,
     if (isInTime) response = answer->second.response;
     delay = isInTime ? answer->second.delay : request.timeout;
   }
-  return runLoop_.scheduleTimer(
-      delay, false, [completion = std::move(completion), response = std::move(response)] {
+  return runLoop_.scheduleDesktopTimer(
+      delay, [completion = std::move(completion), response = std::move(response)] {
         completion(response);
       });
 }

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/RunLoop.h"
 #include "platform/UrlSession.h"
+#include "sim/ManualRunLoop.h"
 #include "sim/Trace.h"
 
 namespace valdrix::sim {
@@ -13,7 +13,7 @@ namespace valdrix::sim {
 /// The simulated network: what each URL answers, and how long it takes.
 class SimUrlSession final : public platform::UrlSession {
  public:
-  SimUrlSession(Trace& trace, platform::RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
+  SimUrlSession(Trace& trace, ManualRunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
   [[nodiscard]] Token data(
       const platform::UrlRequest& request,
@@ -22,6 +22,8 @@ class SimUrlSession final : public platform::UrlSession {
   /// What `url` answers from now on, after `delay` seconds. A URL without an answer, and one that
   /// takes longer than its request waits, fail.
   void setAnswer(const std::string& url, platform::UrlResponse response, double delay);
+  /// No URL answers any more.
+  void forgetAnswers() { answers_.clear(); }
 
  private:
   struct Answer {
@@ -30,7 +32,7 @@ class SimUrlSession final : public platform::UrlSession {
   };
 
   Trace& trace_;
-  platform::RunLoop& runLoop_;
+  ManualRunLoop& runLoop_;
   std::map<std::string, Answer> answers_;
 };
 

@@ -8,11 +8,12 @@ namespace valdrix::sim {
 namespace {
 
 constexpr auto channelNames = std::to_array<std::string_view>({
-    "access",  "accessibility", "application", "audio",   "brightness", "click",
-    "cursor",  "desktop",       "display",     "ease",    "events",     "expandedSize",
-    "frames",  "haptic",        "level",       "picture", "preference", "presentation",
-    "screens", "spring",        "tap",         "texts",   "timer",      "timers",
-    "tooltip", "window",        "workspace",
+    "access",  "accessibility", "application",  "audio",      "brightness", "click",
+    "cursor",  "desktop",       "display",      "ease",       "events",     "expandedSize",
+    "frames",  "haptic",        "level",        "login-item", "menu",       "network",
+    "picture", "preference",    "presentation", "query",      "screens",    "settings",
+    "spring",  "tap",           "texts",        "timer",      "timers",     "tooltip",
+    "window",  "workspace",
 });
 
 std::string_view channelOf(std::string_view text) { return text.substr(0, text.find(' ')); }
