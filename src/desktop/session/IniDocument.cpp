@@ -8,7 +8,6 @@
 namespace valdrix::desktop {
 namespace {
 
-constexpr std::string_view groupName = "General";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 constexpr std::array<std::pair<char, char>, 6> escapes{
@@ -77,7 +76,7 @@ Line parseLine(const std::vector<std::string>& lines, std::size_t index) {
 
 }  // namespace
 
-IniDocument::IniDocument(std::string_view text) {
+IniDocument::IniDocument(std::string_view text, std::string group) : group_(std::move(group)) {
   while (!text.empty()) {
     const auto length = std::min(text.find('\n'), text.size());
     lines_.emplace_back(text.substr(0, length));
@@ -91,11 +90,11 @@ void IniDocument::index() {
   lineOfKey_.clear();
   groupEnd_ = 0;
   hasUnreadableLines_ = false;
-  bool isInGroup = true;
+  bool isInGroup = group_ == generalGroup;
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     const auto [kind, name, value] = parseLine(lines_, i);
     if (kind == Line::Kind::unreadable) hasUnreadableLines_ = true;
-    if (kind == Line::Kind::group) isInGroup = name == groupName;
+    if (kind == Line::Kind::group) isInGroup = name == group_;
     if (!isInGroup || (kind != Line::Kind::group && kind != Line::Kind::entry)) continue;
     groupEnd_ = i + 1;
     if (kind == Line::Kind::group) continue;
@@ -123,7 +122,7 @@ void IniDocument::set(std::string_view key, std::string_view value) {
   } else {
     if (groupEnd_ == 0) {
       if (!lines_.empty()) lines_.emplace_back();
-      lines_.push_back('[' + std::string(groupName) + ']');
+      lines_.push_back('[' + group_ + ']');
       groupEnd_ = lines_.size();
     }
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(groupEnd_), std::move(line));

@@ -12,16 +12,17 @@ namespace valdrix::desktop {
 /// byte: comments, blank lines, other groups, unknown keys, their order.
 ///
 /// A line is blank, a comment (`#` or `;` first), a `[group]` or `key=value`; anything else is
-/// unreadable. The group is `General`, and so are lines before the first group. Spaces around keys
-/// and values don't count. In a value, `\\ \n \r \t \s \0` stand for a backslash, line feed,
-/// carriage return, tab, space and NUL; any other backslash is itself. Commas, quotes and bytes
-/// beyond ASCII are nothing special. Of several lines with one key the last counts.
+/// unreadable. Lines before the first group are of the group `General`. Spaces around keys and
+/// values don't count. In a value, `\\ \n \r \t \s \0` stand for a backslash, line feed, carriage
+/// return, tab, space and NUL; any other backslash is itself. Commas, quotes and bytes beyond ASCII
+/// are nothing special. Of several lines with one key the last counts.
 class IniDocument {
  public:
   using Values = std::map<std::string, std::string, std::less<>>;
+  static constexpr std::string_view generalGroup = "General";
 
   IniDocument() = default;
-  explicit IniDocument(std::string_view text);
+  explicit IniDocument(std::string_view text, std::string group = std::string(generalGroup));
 
   [[nodiscard]] std::string text() const;
   /// The keys and values of the group.
@@ -37,6 +38,7 @@ class IniDocument {
  private:
   void index();
 
+  std::string group_{generalGroup};
   std::vector<std::string> lines_;
   Values values_;
   std::map<std::string, std::size_t, std::less<>> lineOfKey_;

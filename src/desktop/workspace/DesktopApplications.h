@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include "desktop/workspace/DesktopEntry.h"
+#include "desktop/session/DesktopEntry.h"
 
 namespace valdrix::desktop {
 

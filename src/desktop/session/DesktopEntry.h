@@ -26,6 +26,13 @@ class KeyFileGroup {
 /// A program that a desktop entry (a .desktop file) describes.
 class DesktopEntry {
  public:
+  /// Whether a program can be started under that name or path.
+  [[nodiscard]] static bool isInstalled(const QString& program);
+  /// The program that an Exec value starts, its escapes being replaced already; may be empty.
+  [[nodiscard]] static QString programOf(const QString& exec);
+  /// The Exec value that starts `program` without arguments.
+  [[nodiscard]] static QString execOf(const QString& program);
+
   /// Nothing when `file` describes no program, one that is not installed or hidden, or one that
   /// needs a terminal.
   [[nodiscard]] static std::optional<DesktopEntry> read(const QString& file);

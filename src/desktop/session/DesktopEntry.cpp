@@ -1,4 +1,4 @@
-#include "desktop/workspace/DesktopEntry.h"
+#include "desktop/session/DesktopEntry.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -53,10 +53,6 @@ QStringList wordsOf(const QString& exec) {
   return words;
 }
 
-bool isInstalled(const QString& program) {
-  return !QStandardPaths::findExecutable(program).isEmpty();
-}
-
 /// What a field code becomes; nothing for one that stands for what is not there.
 QString meaning(QChar code, const QString& url, const QString& name, const QString& file) {
   switch (code.unicode()) {
@@ -107,16 +103,37 @@ QStringList KeyFileGroup::list(const QString& key) const {
   return value(key).split(';', Qt::SkipEmptyParts);
 }
 
+QString DesktopEntry::programOf(const QString& exec) {
+  return wordsOf(exec).value(0).replace("%%", "%");
+}
+
+QString DesktopEntry::execOf(const QString& program) {
+  QString word;
+  for (const QChar c : program) {
+    if (QStringView(u"\"`$\\").contains(c)) word += '\\';
+    // A field code begins with it.
+    word += c == '%' ? QString("%%") : QString(c);
+  }
+  const bool isPlain = std::all_of(program.begin(), program.end(), [](QChar c) {
+    return c.isLetterOrNumber() || QStringView(u"/._-+:@%").contains(c);
+  });
+  return isPlain ? word : '"' + word + '"';
+}
+
+bool DesktopEntry::isInstalled(const QString& program) {
+  return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
 std::optional<DesktopEntry> DesktopEntry::read(const QString& file) {
   const KeyFileGroup keys(file, "Desktop Entry");
   DesktopEntry entry;
-  entry.words_ = wordsOf(unescaped(keys.value("Exec")));
+  const auto exec = unescaped(keys.value("Exec"));
+  entry.words_ = wordsOf(exec);
   entry.name_ = unescaped(keys.value("Name"));
   entry.file_ = file;
   const auto tryExec = unescaped(keys.value("TryExec"));
   const bool isUsable = keys.value("Type") == "Application" && keys.value("Hidden") != "true" &&
-                        keys.value("Terminal") != "true" && !entry.words_.isEmpty() &&
-                        isInstalled(entry.words_.first()) &&
+                        keys.value("Terminal") != "true" && isInstalled(programOf(exec)) &&
                         (tryExec.isEmpty() || isInstalled(tryExec));
   if (!isUsable) return std::nullopt;
   return entry;
