@@ -41,17 +41,22 @@ CalendarTab::CalendarTab(const SettingsEnvironment& environment)
     : calendarService_(environment.calendarService),
       calendarPermissionRow_{environment.calendarService},
       preferences_(environment.userDefaults),
-      extentObserver_([this] { preferencesChanged(); }),
-      latestExtent_(extentObserver_.track([this] { return extent(); })) {}
+      selectionObserver_([this] { preferencesChanged(); }),
+      latestSelection_(selectionObserver_.track([this] { return selection(); })) {}
 
-CalendarTab::Extent CalendarTab::extent() const {
-  return {preferences_.integerForKey(preferenceKeys::calendarMaxEvents),
-          preferences_.integerForKey(preferenceKeys::calendarWindowDays)};
+CalendarTab::Selection CalendarTab::selection() const {
+  return {
+      preferences_.integerForKey(preferenceKeys::calendarMaxEvents),
+      preferences_.integerForKey(preferenceKeys::calendarWindowDays),
+      HiddenCalendars::parse(preferences_.stringForKey(preferenceKeys::hiddenCalendarIDs)),
+  };
 }
 
 void CalendarTab::preferencesChanged() {
-  const auto now = extentObserver_.track([this] { return extent(); });
-  if (std::exchange(latestExtent_, now) != now) calendarService_.reloadEvents();
+  auto now = selectionObserver_.track([this] { return selection(); });
+  if (now == latestSelection_) return;
+  latestSelection_ = std::move(now);
+  calendarService_.reloadEvents();
 }
 
 view::TabContent CalendarTab::body() const {
@@ -69,7 +74,7 @@ view::TabContent CalendarTab::body() const {
 
 view::FormSection CalendarTab::displaySection() const {
   // Shown as they count, so that the controls never say anything else than the list does.
-  const auto stored = extent();
+  const auto stored = selection();
   const auto events = preferenceRules::calendarCount(stored.maxEvents);
   const auto days = preferenceRules::calendarCount(stored.windowDays);
   return {.header = "Affichage",
@@ -81,7 +86,7 @@ view::FormSection CalendarTab::displaySection() const {
 }
 
 view::FormSection CalendarTab::calendarSection() const {
-  const auto hidden = hiddenCalendars();
+  const auto hidden = selection().hidden;
   view::FormSection section{
       .header = "Calendriers visibles",
       .rows = {},
@@ -105,15 +110,10 @@ view::FormRow CalendarTab::calendarRow(const platform::EventCalendar& calendar,
           .id = id};
 }
 
-HiddenCalendars CalendarTab::hiddenCalendars() const {
-  return HiddenCalendars::parse(preferences_.stringForKey(preferenceKeys::hiddenCalendarIDs));
-}
-
 void CalendarTab::setHidden(const std::string& calendarID, bool isHidden) const {
-  auto hidden = hiddenCalendars();
+  auto hidden = selection().hidden;
   hidden.setHidden(calendarID, isHidden);
   preferences_.set(preferenceKeys::hiddenCalendarIDs, hidden.serialized());
-  calendarService_.reloadEvents();
 }
 
 }  // namespace valdrix

@@ -20,27 +20,27 @@ class CalendarTab final : public view::TabView {
   [[nodiscard]] view::TabContent body() const override;
 
  private:
-  /// How much is listed, as stored.
-  struct Extent {
+  /// What decides which events are listed, as stored.
+  struct Selection {
     std::int64_t maxEvents;
     std::int64_t windowDays;
-    bool operator==(const Extent&) const = default;
+    HiddenCalendars hidden;
+    bool operator==(const Selection&) const = default;
   };
 
-  [[nodiscard]] Extent extent() const;
+  [[nodiscard]] Selection selection() const;
   void preferencesChanged();
   [[nodiscard]] view::FormSection displaySection() const;
   [[nodiscard]] view::FormSection calendarSection() const;
   [[nodiscard]] view::FormRow calendarRow(const platform::EventCalendar& calendar,
                                           bool isHidden) const;
-  [[nodiscard]] HiddenCalendars hiddenCalendars() const;
   void setHidden(const std::string& calendarID, bool isHidden) const;
 
   CalendarService& calendarService_;
   CalendarPermissionRow calendarPermissionRow_;
   BoundPreferences preferences_;
-  Observer extentObserver_;
-  Extent latestExtent_;
+  Observer selectionObserver_;
+  Selection latestSelection_;
 };
 
 }  // namespace valdrix

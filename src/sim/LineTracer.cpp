@@ -27,6 +27,11 @@ void LineTracer::schedule() {
   runLoop_.async(lifetime_.weak([this] { update(); }));
 }
 
+void LineTracer::report() {
+  update();
+  for (const auto& line : latest_) trace_.add(channel_ + ' ' + line.text);
+}
+
 void LineTracer::update() {
   isUpdateScheduled_ = false;
   const auto former = std::exchange(latest_, observer_.track(lines_));

@@ -17,16 +17,20 @@ struct SeenLine {
   std::string text;
 };
 
-/// Traces what a user sees, as lines of one channel: each line that is new or reads otherwise than
-/// before, and each one that is gone. After a change of a value that they were made from, that is
-/// at the loop's next turn.
+/// Traces what changes of what a user sees, as lines of one channel: each line that is new or reads
+/// otherwise than before, and each one that is gone. After a change of a value that they were made
+/// from, that is at the loop's next turn.
 class LineTracer {
  public:
-  /// Traces nothing until `update` or `schedule`. `trace` and `runLoop` must outlive it.
+  /// Starts with no lines, and with the first call. `trace` and `runLoop` must outlive it.
   LineTracer(std::string channel, std::function<std::vector<SeenLine>()> lines, Trace& trace,
              platform::RunLoop& runLoop);
 
+  /// Takes the lines that are there now for known.
+  void begin() { latest_ = observer_.track(lines_); }
   void update();
+  /// Traces all lines.
+  void report();
   /// Has `update` called at the loop's next turn.
   void schedule();
 

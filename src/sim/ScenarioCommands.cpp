@@ -297,13 +297,15 @@ Action parsePicture(ScenarioWords& words) {
 }
 
 Action parseReport(ScenarioWords& words) {
-  switch (words.takeChoice({"frames", "timers", "texts"})) {
+  switch (words.takeChoice({"frames", "timers", "texts", "settings"})) {
     case 0:
       return [](ScenarioPlayer& player) { player.reportFrames(); };
     case 1:
       return [](ScenarioPlayer& player) { player.reportTimers(); };
-    default:
+    case 2:
       return [](ScenarioPlayer& player) { player.reportTexts(); };
+    default:
+      return [](ScenarioPlayer& player) { player.reportSettings(); };
   }
 }
 

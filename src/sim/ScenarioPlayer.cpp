@@ -79,4 +79,9 @@ void ScenarioPlayer::reportTexts() {
   desktop_.trace.add("texts" + texts);
 }
 
+void ScenarioPlayer::reportSettings() {
+  auto* window = desktop_.sceneHost.settingsWindow();
+  if (!window || !window->report()) throw ScenarioError(0, "aucune fenêtre de réglages");
+}
+
 }  // namespace valdrix::sim

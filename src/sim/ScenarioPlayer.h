@@ -48,6 +48,8 @@ class ScenarioPlayer {
   void reportTimers();
   /// Traces all texts that the panel shows, from back to front.
   void reportTexts();
+  /// Traces all that the settings window shows.
+  void reportSettings();
 
  private:
   [[nodiscard]] const view::HostingView& shownContent() const;

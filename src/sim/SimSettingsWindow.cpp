@@ -22,6 +22,7 @@ SimSettingsWindow::SimSettingsWindow(view::SettingsScene scene, Trace& trace,
 SimSettingsWindow::~SimSettingsWindow() { close(); }
 
 void SimSettingsWindow::open(std::optional<std::size_t> tab) {
+  if (scene_.tabs.empty()) return;
   const bool wasOpen = tab_ != nullptr;
   trace_.add(wasOpen ? "settings front" : "settings open");
   const auto wanted = std::min(tab.value_or(shownTab_), scene_.tabs.size() - 1);
@@ -35,6 +36,11 @@ void SimSettingsWindow::close() {
   trace_.add("settings closed");
 }
 
+bool SimSettingsWindow::report() {
+  if (tracer_) tracer_->report();
+  return tracer_.has_value();
+}
+
 void SimSettingsWindow::show(std::size_t tab) {
   tracer_.reset();
   tab_.reset();
@@ -43,13 +49,14 @@ void SimSettingsWindow::show(std::size_t tab) {
   tab_ = scene_.tabs[tab].make();
   tracer_.emplace(
       "settings", [this] { return linesOf(tab_->body()); }, trace_, runLoop_);
-  tracer_->update();
+  tracer_->begin();
 }
 
 bool SimSettingsWindow::select(std::string_view label) {
   const auto tab = std::ranges::find(scene_.tabs, label, &view::Tab::label);
   if (!tab_ || tab == scene_.tabs.end()) return false;
-  show(static_cast<std::size_t>(tab - scene_.tabs.begin()));
+  const auto wanted = static_cast<std::size_t>(tab - scene_.tabs.begin());
+  if (wanted != shownTab_) show(wanted);
   return true;
 }
 

@@ -12,7 +12,8 @@
 
 namespace valdrix::sim {
 
-/// The simulated settings window, closed at first, and the user in front of it.
+/// The simulated settings window, closed at first, and the user in front of it. What comes, goes
+/// and changes while a tab is visible is traced.
 class SimSettingsWindow {
  public:
   SimSettingsWindow(view::SettingsScene scene, Trace& trace, platform::RunLoop& runLoop);
@@ -23,7 +24,8 @@ class SimSettingsWindow {
   /// As `SceneHost::openSettings`.
   void open(std::optional<std::size_t> tab);
   void close();
-  [[nodiscard]] const view::SettingsScene& scene() const { return scene_; }
+  /// Traces all that the visible tab shows. Whether there is one.
+  bool report();
 
   // What the user does on the visible tab; whether there is something of that title to do it with.
 

@@ -4,7 +4,7 @@ namespace valdrix::sim {
 
 void SimUserDefaults::set(std::string_view key, Value value) {
   auto text = textOf(value);
-  trace_.add("preference " + std::string(key) + " = " + text);
+  trace_.add("preference " + std::string(key) + " = " + (text.empty() ? "\"\"" : text));
   stored_.insert_or_assign(std::string(key), std::move(text));
   listeners_.notify();
 }

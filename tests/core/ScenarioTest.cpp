@@ -62,6 +62,12 @@ TEST(Scenario, NamesTheLineThatMakesNoSense) {
       {"calendar add home\nevent add a home today 10:00 until 11:00 days 3", 2},
       {"calendar add home\nevent add a home today 10:00 until 09:00", 2},
       {"request-access granted", 1},
+      {"menu open", 1},
+      {"launch\nmenu choose Dance", 2},
+      {"launch\nsettings flip Dance", 2},
+      {"launch\nsettings open\nsettings click Dance", 3},
+      {"launch\nreport settings", 2},
+      {"website answers 99", 1},
   };
   for (const auto& row : rows) EXPECT_EQ(failingLine(row.text), row.line) << row.text;
 }
