@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/PrivacyLinks.h"
 #include "preferences/HiddenCalendars.h"
 #include "preferences/PreferenceKeys.h"
 #include "preferences/PreferenceRules.h"
@@ -18,8 +19,6 @@ using platform::Instant;
 namespace {
 
 constexpr double refreshInterval = 60;
-constexpr std::string_view privacySettings =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Calendars";
 
 /// By start, then by title, whose UTF-8 compares by code point; no title counts as an empty one.
 bool startsBefore(const Event& a, const Event& b) {
@@ -122,7 +121,7 @@ std::vector<EventCalendar> CalendarService::availableCalendars() const {
 }
 
 void CalendarService::openCalendarPrivacySettings() const {
-  ports_.workspace.open(privacySettings);
+  ports_.workspace.open(platform::privacyLinks::calendars);
 }
 
 }  // namespace valdrix

@@ -23,7 +23,7 @@ View CalendarView::content() const {
   const CalendarService& service = *environment.calendarService;
   switch (service.authStatus()) {
     case EventAuthorization::notDetermined:
-      return PermissionPrompt{.message = "Autoriser l'accès au calendrier"};
+      return PermissionPrompt{.message = std::string(allowCalendarAccess)};
     case EventAuthorization::fullAccess:
       return EventListView{.events = service.events(), .environment = environment};
     case EventAuthorization::restricted:

@@ -1,7 +1,6 @@
 #include "settings/AccessibilityStatusView.h"
 
-#include <string_view>
-
+#include "platform/PrivacyLinks.h"
 #include "settings/StatusBadge.h"
 #include "settings/SystemSettingsButton.h"
 
@@ -10,8 +9,6 @@ namespace valdrix {
 namespace {
 
 constexpr double pollInterval = 1.5;
-constexpr std::string_view privacySettings =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
 StatusBadge badge(bool isTrusted) {
   return isTrusted ? StatusBadge::granted()
@@ -34,8 +31,9 @@ std::vector<view::FormRow> AccessibilityStatusView::body() const {
       {.content = view::LabeledRow{"Permission Accessibilité", badge(trusted_).body()},
        .id = "accessibility"}};
   if (!trusted_)
-    rows.push_back(systemSettingsButton(
-        "accessibilityButton", [&workspace = workspace_] { workspace.open(privacySettings); }));
+    rows.push_back(systemSettingsButton("accessibilityButton", [&workspace = workspace_] {
+      workspace.open(platform::privacyLinks::accessibility);
+    }));
   return rows;
 }
 

@@ -1,7 +1,9 @@
 #include "settings/CalendarPermissionRow.h"
 
 #include <optional>
+#include <string>
 
+#include "calendar/PermissionPrompt.h"
 #include "settings/StatusBadge.h"
 #include "settings/SystemSettingsButton.h"
 
@@ -29,7 +31,7 @@ std::optional<view::FormRow> button(EventAuthorization status, CalendarService& 
   constexpr const char* id = "calendarAccessButton";
   switch (status) {
     case EventAuthorization::notDetermined:
-      return view::FormRow{.content = view::PushButton{"Autoriser l'accès au calendrier",
+      return view::FormRow{.content = view::PushButton{std::string(allowCalendarAccess),
                                                        [&service] { service.requestAccess(); }},
                            .id = id};
     case EventAuthorization::restricted:
