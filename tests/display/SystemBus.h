@@ -18,7 +18,6 @@ class SystemBus {
   /// Starts the login manager; `behaviour` is `write`, `deny` or `hang`, and `backlights` the class
   /// folder that it writes to.
   void startLogin1(const QString& behaviour, const QString& backlights);
-  void stopLogin1() { login1_.reset(); }
   /// How often it was asked to set a brightness since it was started.
   [[nodiscard]] int login1Calls();
 
