@@ -13,18 +13,15 @@
 #include "desktop/x11/X11EventTaps.h"
 #include "sim/SimAccessibility.h"
 #include "sim/SimEventTaps.h"
-#include "tests/keys/X11KeyDesk.h"
+#include "tests/keys/TapTest.h"
 
 namespace valdrix {
 namespace {
 
-using platform::InputEvent;
 using platform::TapResult;
 using testing::ElementsAre;
 using testing::IsEmpty;
 namespace flag = platform::modifierFlag;
-
-constexpr std::uint32_t keyMask = 1U << platform::systemDefined::eventType;
 
 class SimulatedKeys {
  public:
@@ -99,53 +96,16 @@ class X11Keys {
 };
 
 template <class World>
-class EventTapsContract : public testing::Test {
+class EventTapsContract : public tests::TapTest {
  protected:
-  /// A tap that notes every key and answers with `answer`, not enabled nor connected.
-  std::unique_ptr<platform::EventTap> makeTap(std::uint32_t mask = keyMask) {
-    return world_.taps().createTap(
-        platform::TapLocation::hid, platform::TapPlacement::headInsert,
-        platform::TapOptions::activeFilter, mask,
-        {.handleEvent = [this](std::uint32_t type,
-                               const InputEvent* event) { return handle(type, event); },
-         .wouldSwallow = [this](std::uint32_t) { return answer_ == TapResult::swallow; }});
-  }
-  void install() {
-    tap_ = makeTap();
-    ASSERT_TRUE(tap_);
-    source_ = tap_->addToMainRunLoop();
-    tap_->enable(true);
-  }
+  platform::EventTaps& taps() override { return world_.taps(); }
   void tapKey(std::uint32_t code, std::uint32_t flags = 0) {
     world_.press(code, flags);
     world_.release(code, flags);
   }
   std::vector<std::string> desktopGot() { return world_.desktopGot(); }
-  std::vector<std::string> tapSaw() { return std::exchange(seen_, {}); }
 
   World world_;
-  TapResult answer_ = TapResult::swallow;
-  bool endsItself_ = false;
-  std::unique_ptr<platform::EventTap> tap_;
-  Token source_;
-  std::vector<std::string> seen_;
-
- private:
-  TapResult handle(std::uint32_t type, const InputEvent* event) {
-    EXPECT_EQ(type, platform::systemDefined::eventType);
-    if (!event) return TapResult::pass;
-    EXPECT_EQ(event->subtype, platform::systemDefined::auxiliaryControlButtons);
-    constexpr auto passing = flag::control | flag::option | flag::command;
-    if (event->modifierFlags & passing) return TapResult::pass;
-    const auto data = static_cast<std::uint32_t>(event->data1);
-    std::string text = (event->modifierFlags & flag::shift) ? "shift+" : "";
-    text += tests::mediaKeyName(data >> 16);
-    text += (data >> 8 & 0xFF) == 0x0A ? " down" : (data >> 8 & 0xFF) == 0x0B ? " up" : " ?";
-    if (data & 1U) text += " repeat";
-    seen_.push_back(text);
-    if (endsItself_) tap_.reset();
-    return answer_;
-  }
 };
 
 using Worlds = testing::Types<SimulatedKeys, X11Keys>;
@@ -216,10 +176,10 @@ TYPED_TEST(EventTapsContract, PassedKeysReachTheDesktopWhole) {
     EXPECT_THAT(this->desktopGot(), ElementsAre("volumeDown down", "volumeDown up")) << flags;
   }
   // Without asking the tap anew which keys it wants.
-  this->answer_ = TapResult::pass;
+  this->passed_ = {3};
   this->tapKey(3);
   EXPECT_THAT(this->desktopGot(), ElementsAre("brightnessDown down", "brightnessDown up"));
-  this->answer_ = TapResult::swallow;
+  this->passed_ = {};
   this->tapKey(3);
   EXPECT_THAT(this->desktopGot(), IsEmpty());
 }

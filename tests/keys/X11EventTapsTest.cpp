@@ -13,13 +13,11 @@
 #include "desktop/x11/X11EventTaps.h"
 #include "desktop/x11/XkbSetup.h"
 #include "sim/ManualRunLoop.h"
-#include "tests/keys/X11KeyDesk.h"
+#include "tests/keys/TapTest.h"
 
 namespace valdrix {
 namespace {
 
-using platform::InputEvent;
-using platform::TapResult;
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
@@ -31,26 +29,13 @@ constexpr xcb_keycode_t controlKey = 37;
 constexpr xcb_keycode_t superKey = 133;
 constexpr xcb_keycode_t spareKey = 150;  // a key that the keymap gives no media symbol
 
-class X11EventTapsTest : public testing::Test {
+class X11EventTapsTest : public tests::TapTest {
  protected:
   X11EventTapsTest() {
     desk_.setPump([this] { loop_.runPending(); });
   }
 
-  std::unique_ptr<platform::EventTap> makeTap() {
-    return taps_->createTap(
-        platform::TapLocation::hid, platform::TapPlacement::headInsert,
-        platform::TapOptions::activeFilter, 1U << platform::systemDefined::eventType,
-        {.handleEvent = [this](std::uint32_t, const InputEvent* event) { return handle(*event); },
-         .wouldSwallow = [this](std::uint32_t code) { return !passed_.contains(code); }});
-  }
-  void install() {
-    tap_ = makeTap();
-    ASSERT_TRUE(tap_);
-    source_ = tap_->addToMainRunLoop();
-    tap_->enable(true);
-  }
-  std::vector<std::string> tapSaw() { return std::exchange(seen_, {}); }
+  platform::EventTaps& taps() override { return *taps_; }
   bool awaitSeen(std::size_t count) {
     return desk_.await([&] { return seen_.size() >= count; });
   }
@@ -89,23 +74,6 @@ class X11EventTapsTest : public testing::Test {
   sim::ManualRunLoop loop_{trace_};
   std::unique_ptr<desktop::X11EventTaps> taps_ =
       std::make_unique<desktop::X11EventTaps>(loop_, desk_.display().name());
-  std::unique_ptr<platform::EventTap> tap_;
-  Token source_;
-  std::set<std::uint32_t> passed_;
-  std::vector<std::string> seen_;
-
- private:
-  TapResult handle(const InputEvent& event) {
-    namespace flag = platform::modifierFlag;
-    const auto data = static_cast<std::uint32_t>(event.data1);
-    const auto code = data >> 16;
-    if (event.modifierFlags & (flag::control | flag::option | flag::command))
-      return TapResult::pass;
-    std::string text = (event.modifierFlags & flag::shift) ? "shift+" : "";
-    text += tests::mediaKeyName(code) + ((data >> 8 & 0xFF) == 0x0A ? " down" : " up");
-    seen_.push_back(text + ((data & 1U) ? " repeat" : ""));
-    return passed_.contains(code) ? TapResult::pass : TapResult::swallow;
-  }
 };
 
 TEST_F(X11EventTapsTest, LocksDoNotMatterWhereverTheKeymapPutsThem) {

@@ -24,26 +24,23 @@ using desktop::xcbOwned;
 struct MediaKey {
   const char* name;
   xcb_keysym_t keysym;
+  xcb_keycode_t keycode;  ///< on the virtual server
 };
 const std::map<std::uint32_t, MediaKey> mediaKeys = {
-    {0, {"volumeUp", XKB_KEY_XF86AudioRaiseVolume}},
-    {1, {"volumeDown", XKB_KEY_XF86AudioLowerVolume}},
-    {2, {"brightnessUp", XKB_KEY_XF86MonBrightnessUp}},
-    {3, {"brightnessDown", XKB_KEY_XF86MonBrightnessDown}},
-    {7, {"mute", XKB_KEY_XF86AudioMute}},
+    {0, {"volumeUp", XKB_KEY_XF86AudioRaiseVolume, 123}},
+    {1, {"volumeDown", XKB_KEY_XF86AudioLowerVolume, 122}},
+    {2, {"brightnessUp", XKB_KEY_XF86MonBrightnessUp, 233}},
+    {3, {"brightnessDown", XKB_KEY_XF86MonBrightnessDown, 232}},
+    {7, {"mute", XKB_KEY_XF86AudioMute, 121}},
 };
 constexpr xcb_keycode_t letterKey = 38;  // A on every PC keyboard
 // Where evdev and the virtual server put Shift, Control, Alt, Super, Caps Lock and the like.
 const std::vector<xcb_keycode_t> quietKeys = {50, 62, 37, 105, 64, 108, 133, 134, 66, 77, 78};
 
-std::string nameOf(xcb_keycode_t key) {
-  static const std::map<xcb_keycode_t, std::string> names = {{123, "volumeUp"},
-                                                             {122, "volumeDown"},
-                                                             {233, "brightnessUp"},
-                                                             {232, "brightnessDown"},
-                                                             {121, "mute"}};
-  const auto name = names.find(key);
-  return name == names.end() ? std::to_string(key) : name->second;
+std::string nameOf(xcb_keycode_t keycode) {
+  for (const auto& [code, key] : mediaKeys)
+    if (key.keycode == keycode) return key.name;
+  return std::to_string(keycode);
 }
 
 /// Waits until the server has handled what was sent.
@@ -74,26 +71,10 @@ X11KeyDesk::X11KeyDesk(QSize size)
   static_cast<void>(windowGot());
 }
 
-void X11KeyDesk::pressCode(xcb_keycode_t key) {
-  xcb_test_fake_input(display_->connection(), XCB_KEY_PRESS, key, XCB_CURRENT_TIME,
-                      display_->root(), 0, 0, 0);
+void X11KeyDesk::fake(std::uint8_t type, xcb_keycode_t key) {
+  xcb_test_fake_input(display_->connection(), type, key, XCB_CURRENT_TIME, display_->root(), 0, 0,
+                      0);
   synchronize(display_->connection());
-}
-
-void X11KeyDesk::releaseCode(xcb_keycode_t key) {
-  xcb_test_fake_input(display_->connection(), XCB_KEY_RELEASE, key, XCB_CURRENT_TIME,
-                      display_->root(), 0, 0, 0);
-  synchronize(display_->connection());
-}
-
-void X11KeyDesk::tapCode(xcb_keycode_t key) {
-  pressCode(key);
-  releaseCode(key);
-}
-
-void X11KeyDesk::tap(std::uint32_t code) {
-  press(code);
-  release(code);
 }
 
 xcb_keycode_t X11KeyDesk::keycodeOf(xcb_keysym_t keysym) const {

@@ -24,12 +24,12 @@ class X11KeyDesk {
 
   [[nodiscard]] VirtualDisplay& display() { return *display_; }
   /// Key events by keycode, for keys whose symbol is ambiguous.
-  void pressCode(xcb_keycode_t key);
-  void releaseCode(xcb_keycode_t key);
+  void pressCode(xcb_keycode_t key) { fake(XCB_KEY_PRESS, key); }
+  void releaseCode(xcb_keycode_t key) { fake(XCB_KEY_RELEASE, key); }
+  void tapCode(xcb_keycode_t key) { pressCode(key), releaseCode(key); }
   void press(std::uint32_t code) { display_->pressKey(mediaKeysym(code)); }
   void release(std::uint32_t code) { display_->releaseKey(mediaKeysym(code)); }
-  void tap(std::uint32_t code);
-  void tapCode(xcb_keycode_t key);
+  void tap(std::uint32_t code) { press(code), release(code); }
   [[nodiscard]] xcb_keycode_t keycodeOf(xcb_keysym_t keysym) const;
 
   /// Waits for `condition` with the event loop and `pump` running.
@@ -49,6 +49,7 @@ class X11KeyDesk {
   void stop() { client_.reset(), display_.reset(); }
 
  private:
+  void fake(std::uint8_t type, xcb_keycode_t key);
   void read();
 
   std::unique_ptr<VirtualDisplay> display_;
