@@ -1,4 +1,4 @@
-// What no scenario can show of the calendar: texts and heights by the table, answers that come from
+// What no scenario can show of the calendar: texts by the table, answers that come from
 // elsewhere.
 
 #include <functional>
@@ -10,7 +10,6 @@
 
 #include "calendar/CalendarService.h"
 #include "calendar/DayGroup.h"
-#include "calendar/EventListView.h"
 #include "calendar/FrenchLocale.h"
 #include "preferences/PreferenceDefaults.h"
 #include "sim/SimDesktop.h"
@@ -35,21 +34,6 @@ TEST(FrenchLocale, NamesDaysAndMonths) {
   };
   for (const auto& [fields, text] : rows)
     EXPECT_EQ(frenchLocale.dayText(fields) + ' ' + frenchLocale.timeText(fields), text);
-}
-
-TEST(EventList, HeightIsEstimatedFromTheGroups) {
-  sim::SimDesktop desktop;
-  const struct {
-    std::vector<int> startsOnDay;
-    double height;
-  } rows[]{{{}, 50},         {{0}, 42},           {{0, 0, 0}, 96},
-           {{1, 0, 0}, 121}, {{0, 0, 0, 0}, 123}, {{3, 0, 3, -1}, 42 + 42 + 69 + 20}};
-  for (const auto& row : rows) {
-    std::vector<Event> events;
-    for (const int day : row.startsOnDay)
-      events.push_back({.startDate = desktop.userCalendar.now() + days(day)});
-    EXPECT_EQ(EventListView::estimatedHeight(events, desktop.userCalendar), row.height);
-  }
 }
 
 TEST(DayGroups, KeepTheOrderOfWhatStartsTogether) {

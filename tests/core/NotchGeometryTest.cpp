@@ -47,15 +47,8 @@ TEST(NotchSize, IsTheRoomBetweenTheUsableAreasInWholePoints) {
     Screen screen;
     Size size;
   } rows[]{
-      {"no housing", {.frame = frame}, {200, 32}},
       {"no housing, whatever the areas say",
        {.frame = frame, .auxiliaryTopLeftArea = left, .auxiliaryTopRightArea = right},
-       {200, 32}},
-      {"housing",
-       {.frame = frame,
-        .safeAreaInsetTop = 32,
-        .auxiliaryTopLeftArea = left,
-        .auxiliaryTopRightArea = right},
        {200, 32}},
       {"fractions are rounded down",
        {.frame = frame,
