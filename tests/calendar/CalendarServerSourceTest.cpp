@@ -2,24 +2,15 @@
 // its end and return.
 
 #include <algorithm>
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <QFile>
-#include <QTemporaryDir>
-
-#include "desktop/calendar/AccessPrompt.h"
-#include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/calendarserver/CalendarServerEntry.h"
 #include "desktop/calendarserver/CalendarServerSource.h"
-#include "desktop/session/PrivacyRecord.h"
 #include "desktop/session/QtRunLoop.h"
-#include "desktop/vdir/VdirSource.h"
 #include "tests/calendar/CalendarServer.h"
 #include "tests/support/WaitFor.h"
 
@@ -207,41 +198,6 @@ TEST_F(CalendarServerTest, IsStartedOnlyForWhoUsedItAndSurvivesItsDeaths) {
   start();
   EXPECT_EQ(source->reach(), CalendarSource::Reach::readable);
   EXPECT_TRUE(awaitEvents({"a 9", "b 11"}));
-}
-
-TEST_F(CalendarServerTest, IsOneListWithTheFolders) {
-  ASSERT_TRUE(server.addEntry("work", tests::CalendarServer::calendar("Travail")));
-  ASSERT_TRUE(server.add("work", {event("a", ":20261124T090000Z")}));
-  const QTemporaryDir folder;
-  QFile file(folder.filePath("feiertage.ics"));
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\n" +
-             event("b", ":20261124T100000Z").toUtf8() + "END:VEVENT\r\nEND:VCALENDAR\r\n");
-  file.close();
-
-  struct NoPrompt final : AccessPrompt {
-    void ask(std::function<void(Answer)>) override {}
-  } prompt;
-  PrivacyRecord record(folder.filePath("privacy.conf").toStdString());
-  record.setCalendars(PrivacyRecord::Answer::allowed);
-  bus.emplace(runLoop);
-  VdirPaths paths;
-  paths.places = {file.fileName().toStdString()};
-  DesktopEventStore::Sources sources;
-  sources.push_back(std::make_unique<VdirSource>(runLoop, userCalendar, paths));
-  sources.push_back(std::make_unique<CalendarServerSource>(*bus, runLoop, userCalendar));
-  const DesktopEventStore store(std::move(sources), record, prompt);
-
-  EXPECT_TRUE(tests::waitFor([&] {
-    Strings identifiers;
-    for (const auto& calendar : store.calendars())
-      identifiers.push_back(calendar.calendarIdentifier);
-    Strings both;
-    for (const auto& found : store.events(day, day + 24h, identifiers))
-      both.push_back(*found.title);
-    std::ranges::sort(both);
-    return both == Strings{"a", "b"};
-  }));
 }
 
 }  // namespace

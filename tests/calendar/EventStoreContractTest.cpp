@@ -62,38 +62,19 @@ struct Written {
 
 /// A store with the calendars "work" (titled Travail, #ff8000) and "home", both of one account,
 /// and another program that writes to them.
-class Desk {
- public:
-  virtual ~Desk() = default;
-  virtual std::vector<EventCalendar> calendars() = 0;
-  virtual std::vector<Event> events(Instant start, Instant end,
-                                    const std::vector<std::string>& calendars) = 0;
-  virtual Token observe(std::function<void()> block) = 0;
-  virtual bool runUntil(const std::function<bool()>& condition) = 0;
-  virtual void write(const std::string& calendar, const Written& event) = 0;
-  virtual void remove(const std::string& calendar, const std::string& uid) = 0;
-};
-
-class SimulatedDesk final : public Desk {
+class SimulatedDesk {
  public:
   SimulatedDesk() {
     store_.setAuthorizationStatus(platform::EventAuthorization::fullAccess);
     store_.addCalendar({"work", "Travail", view::Color{1, 128 / 255.0, 0}, "Compte"});
     store_.addCalendar({"home", "Maison", {}, "Compte"});
   }
-  std::vector<EventCalendar> calendars() override { return store_.calendars(); }
-  std::vector<Event> events(Instant start, Instant end,
-                            const std::vector<std::string>& calendars) override {
-    return store_.events(start, end, calendars);
-  }
-  Token observe(std::function<void()> block) override {
-    return store_.observeChanges(std::move(block));
-  }
-  bool runUntil(const std::function<bool()>& condition) override {
+  platform::EventStore& store() { return store_; }
+  bool runUntil(const std::function<bool()>& condition) {
     runLoop_.runPending();
     return condition();
   }
-  void write(const std::string& calendar, const Written& event) override {
+  void write(const std::string& calendar, const Written& event) {
     const auto identifier = calendar + ":" + event.uid;
     store_.removeEvent(identifier);
     for (int i = 0; i < event.dailyCount; ++i) {
@@ -103,7 +84,7 @@ class SimulatedDesk final : public Desk {
                                   calendar));
     }
   }
-  void remove(const std::string& calendar, const std::string& uid) override {
+  void remove(const std::string& calendar, const std::string& uid) {
     EXPECT_TRUE(store_.removeEvent(calendar + ":" + uid));
   }
 
@@ -114,19 +95,10 @@ class SimulatedDesk final : public Desk {
 };
 
 /// What the desks of this computer have in common.
-class RealDesk : public Desk {
+class RealDesk {
  public:
-  std::vector<EventCalendar> calendars() override { return source_->calendars(); }
-  std::vector<Event> events(Instant start, Instant end,
-                            const std::vector<std::string>& calendars) override {
-    return source_->events(start, end, calendars);
-  }
-  Token observe(std::function<void()> block) override {
-    return source_->observeChanges(std::move(block));
-  }
-  bool runUntil(const std::function<bool()>& condition) override {
-    return tests::waitFor(condition, 20000);
-  }
+  desktop::CalendarSource& store() { return *source_; }
+  bool runUntil(const std::function<bool()>& condition) { return tests::waitFor(condition, 20000); }
 
  protected:
   void start(std::unique_ptr<desktop::CalendarSource> source) {
@@ -150,11 +122,11 @@ class FolderDesk final : public RealDesk {
     paths.places = {folder_.filePath("Compte").toStdString()};
     start(std::make_unique<desktop::VdirSource>(runLoop_, userCalendar_, paths));
   }
-  void write(const std::string& calendar, const Written& event) override {
+  void write(const std::string& calendar, const Written& event) {
     put(calendar + "/" + event.uid + ".ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\n" +
                                                  event.text() + "END:VEVENT\r\nEND:VCALENDAR\r\n");
   }
-  void remove(const std::string& calendar, const std::string& uid) override {
+  void remove(const std::string& calendar, const std::string& uid) {
     EXPECT_TRUE(QFile::remove(path(calendar + "/" + uid + ".ics")));
   }
 
@@ -182,13 +154,13 @@ class ServerDesk final : public RealDesk {
     bus_ = std::make_unique<desktop::SessionBus>(runLoop_);
     start(std::make_unique<desktop::CalendarServerSource>(*bus_, runLoop_, userCalendar_));
   }
-  ~ServerDesk() override { source_.reset(); }
-  void write(const std::string& calendar, const Written& event) override {
+  ~ServerDesk() { source_.reset(); }
+  void write(const std::string& calendar, const Written& event) {
     const bool isThere = !written_.insert(calendar + event.uid).second;
     EXPECT_TRUE(isThere ? server_.change(calendar.c_str(), event.text())
                         : server_.add(calendar.c_str(), {event.text()}));
   }
-  void remove(const std::string& calendar, const std::string& uid) override {
+  void remove(const std::string& calendar, const std::string& uid) {
     written_.erase(calendar + uid);
     EXPECT_TRUE(server_.remove(calendar.c_str(), uid.c_str()));
   }
@@ -208,7 +180,7 @@ class EventStoreContract : public testing::Test {
     work = *identifier("Travail");
   }
   std::optional<std::string> identifier(const std::string& title) {
-    for (const auto& calendar : desk.calendars())
+    for (const auto& calendar : desk.store().calendars())
       if (calendar.title == title) return calendar.calendarIdentifier;
     return std::nullopt;
   }
@@ -217,7 +189,7 @@ class EventStoreContract : public testing::Test {
     std::ranges::sort(expected);
     return desk.runUntil([&] {
       std::vector<std::string> titles;
-      for (const auto& event : desk.events(day, day + 24h, {work}))
+      for (const auto& event : desk.store().events(day, day + 24h, {work}))
         titles.push_back(event.title.value_or("-"));
       std::ranges::sort(titles);
       return titles == expected;
@@ -238,7 +210,7 @@ using Desks = testing::Types<SimulatedDesk, FolderDesk>;
 TYPED_TEST_SUITE(EventStoreContract, Desks);
 
 TYPED_TEST(EventStoreContract, ListsCalendarsWithColourAndAccount) {
-  const auto calendars = this->desk.calendars();
+  const auto calendars = this->desk.store().calendars();
   const auto found = std::ranges::find(calendars, this->work, &EventCalendar::calendarIdentifier);
   ASSERT_NE(found, calendars.end());
   EXPECT_EQ(found->color, (view::Color{1, 128 / 255.0, 0}));
@@ -278,7 +250,7 @@ TYPED_TEST(EventStoreContract, GivesEachOccurrenceOfAnEventItsOwnObject) {
 
   std::vector<Event> events;
   ASSERT_TRUE(this->desk.runUntil([&] {
-    events = this->desk.events(this->day - 4 * 24h, this->day + 4 * 24h, {this->work});
+    events = this->desk.store().events(this->day - 4 * 24h, this->day + 4 * 24h, {this->work});
     return events.size() == 5;
   }));
   std::map<Instant, Event> series;
@@ -302,9 +274,10 @@ TYPED_TEST(EventStoreContract, AnswersForTheNamedCalendarsOnly) {
   this->desk.write("home", {.uid = "a", .start = this->day + 9h, .title = "Maison a"});
   ASSERT_TRUE(this->awaitTitles({"Travail a"}));
   std::vector<std::string> all;
-  for (const auto& calendar : this->desk.calendars()) all.push_back(calendar.calendarIdentifier);
+  for (const auto& calendar : this->desk.store().calendars())
+    all.push_back(calendar.calendarIdentifier);
   const auto count = [&](const std::vector<std::string>& named) {
-    return this->desk.events(this->day, this->day + 24h, named).size();
+    return this->desk.store().events(this->day, this->day + 24h, named).size();
   };
   EXPECT_TRUE(this->desk.runUntil([&] { return count(all) == 2; }));
   EXPECT_EQ(count({}), 0U);
@@ -317,12 +290,12 @@ TYPED_TEST(EventStoreContract, NoticesWhatOthersDo) {
   std::vector<std::string> titles;
   const auto read = [&] {
     titles.clear();
-    for (const auto& event : this->desk.events(this->day, this->day + 24h, {this->work}))
+    for (const auto& event : this->desk.store().events(this->day, this->day + 24h, {this->work}))
       titles.push_back(*event.title + "/" + event.eventIdentifier.value_or("-"));
     return titles;
   };
   // Whoever reads only when told must end up with the truth.
-  auto token = this->desk.observe([&] {
+  auto token = this->desk.store().observeChanges([&] {
     ++notices;
     read();
   });
