@@ -17,6 +17,11 @@ namespace valdrix::tests {
 class TapTest : public testing::Test {
  protected:
   [[nodiscard]] virtual platform::EventTaps& taps() = 0;
+  /// Taps end before what they were made by.
+  void TearDown() override {
+    source_.reset();
+    tap_.reset();
+  }
 
   /// Neither enabled nor connected.
   std::unique_ptr<platform::EventTap> makeTap() {
