@@ -26,6 +26,8 @@ class SessionBus {
   SessionBus(const SessionBus&) = delete;
   SessionBus& operator=(const SessionBus&) = delete;
 
+  /// Whether anything says where the bus would be; without that there will never be one.
+  [[nodiscard]] bool isConfigured() const { return !address_.empty(); }
   /// Whether there is a connection, or the attempt that is under way makes one within `seconds`.
   [[nodiscard]] bool waitUntilConnected(double seconds);
   /// The connection of now; it may break at any time.

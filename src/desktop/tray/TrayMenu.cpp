@@ -1,0 +1,72 @@
+#include "desktop/tray/TrayMenu.h"
+
+#include <utility>
+
+#include <QKeyEvent>
+#include <QMenu>
+
+namespace valdrix::desktop {
+
+namespace {
+
+/// A menu without a window of its program: nobody else would see to its shortcuts.
+class LoneMenu final : public QMenu {
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const QKeySequence pressed(event->keyCombination());
+    for (QAction* action : actions()) {
+      if (action->shortcut().isEmpty() || action->shortcut() != pressed) continue;
+      close();
+      return action->trigger();
+    }
+    QMenu::keyPressEvent(event);
+  }
+};
+
+void add(const view::MenuItem& item, QMenu& menu) {
+  const auto* command = std::get_if<view::MenuCommand>(&item);
+  if (!command) {
+    menu.addSeparator();
+    return;
+  }
+  // An ampersand marks the key that the menu's user may press.
+  const auto text = QString::fromStdString(command->title).replace(u'&', QLatin1String("&&"));
+  QAction* const action = menu.addAction(text);
+  if (command->shortcut)
+    action->setShortcut(QKeyCombination(
+        Qt::ControlModifier, static_cast<Qt::Key>(QChar::toUpper(command->shortcut->key))));
+  action->setShortcutVisibleInContextMenu(true);
+  // Queued, so that the menu is gone from the screen and its grabs are over.
+  QObject::connect(action, &QAction::triggered, action, command->action, Qt::QueuedConnection);
+}
+
+}  // namespace
+
+TrayMenu::TrayMenu(std::function<void()> aboutToShow) : aboutToShow_(std::move(aboutToShow)) {}
+
+TrayMenu::~TrayMenu() = default;
+
+void TrayMenu::setMenu(const view::Menu& menu) {
+  content_ = menu;
+  if (menu_) fill();
+}
+
+void TrayMenu::fill() {
+  menu_->clear();
+  for (const auto& item : content_.items) add(item, *menu_);
+}
+
+void TrayMenu::popUp(QPoint position, std::function<void()> onClosed) {
+  if (aboutToShow_) aboutToShow_();
+  if (!menu_) {
+    menu_ = std::make_unique<LoneMenu>();
+    QObject::connect(menu_.get(), &QMenu::aboutToHide, menu_.get(), [this] {
+      if (const auto closed = std::exchange(onClosed_, nullptr)) closed();
+    });
+    fill();
+  }
+  onClosed_ = std::move(onClosed);
+  menu_->popup(position);
+}
+
+}  // namespace valdrix::desktop
