@@ -23,8 +23,9 @@ namespace {
 template <class W>
 std::unique_ptr<WindowSystem> makeWindowSystem(platform::RunLoop& runLoop,
                                                const QtTextMetrics& textMetrics,
+                                               CameraHousings& housings,
                                                std::function<void()> onKeysTaken) {
-  return std::make_unique<W>(runLoop, textMetrics, std::move(onKeysTaken));
+  return std::make_unique<W>(runLoop, textMetrics, housings, std::move(onKeysTaken));
 }
 
 /// Where the kernel's devices are; VALDRIX_SYSFS names another tree.
@@ -92,8 +93,10 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
                              return findEvent(eventStore_, userCalendar_, identifier);
                            }}),
       urlSession_(makeUrlSession(runLoop)),
+      housings_(CameraHousings::Sources::fromEnvironment()),
+      housingsWatch_(housings_.userFile(), [this] { housings_.reread(); }),
       windowSystem_(
-          windowSystem.make(runLoop, textMetrics_,
+          windowSystem.make(runLoop, textMetrics_, housings_,
                             [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
       preferencesObserver_(
           userDefaults_.observeChanges([this] { windowSystem_->preferencesChanged(); })),

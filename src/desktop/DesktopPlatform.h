@@ -13,9 +13,11 @@
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
 #include "desktop/scenes/QtSceneHost.h"
+#include "desktop/screens/CameraHousings.h"
 #include "desktop/session/CompiledBundle.h"
 #include "desktop/session/DesktopNotification.h"
 #include "desktop/session/FeedbackHaptics.h"
+#include "desktop/session/FileWatch.h"
 #include "desktop/session/IniUserDefaults.h"
 #include "desktop/session/PrivacyRecord.h"
 #include "desktop/session/QtApplication.h"
@@ -43,6 +45,8 @@ class DesktopPlatform {
 
   [[nodiscard]] const platform::Platform& ports() const { return ports_; }
   [[nodiscard]] const WindowSystem& windowSystem() const { return *windowSystem_; }
+  [[nodiscard]] CameraHousings& housings() { return housings_; }
+  [[nodiscard]] const CameraHousings& housings() const { return housings_; }
   /// Which backend serves each port, by the port's name.
   [[nodiscard]] QJsonObject backends() const;
 
@@ -50,7 +54,7 @@ class DesktopPlatform {
   /// One way to draw windows.
   struct Candidate {
     bool (*isApplicable)();
-    std::unique_ptr<WindowSystem> (*make)(platform::RunLoop&, const QtTextMetrics&,
+    std::unique_ptr<WindowSystem> (*make)(platform::RunLoop&, const QtTextMetrics&, CameraHousings&,
                                           std::function<void()> onKeysTaken);
   };
   /// In the order in which they are tried.
@@ -76,6 +80,8 @@ class DesktopPlatform {
   std::unique_ptr<platform::UrlSession> urlSession_;
   CompiledBundle bundle_;
   QtSceneHost sceneHost_;
+  CameraHousings housings_;
+  FileWatch housingsWatch_;
   std::unique_ptr<WindowSystem> windowSystem_;
   Token preferencesObserver_;
   platform::Platform ports_;

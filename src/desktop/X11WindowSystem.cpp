@@ -10,8 +10,8 @@ namespace valdrix::desktop {
 bool X11WindowSystem::isApplicable() { return QGuiApplication::platformName() == "xcb"; }
 
 X11WindowSystem::X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
-                                 std::function<void()> onKeysTaken)
-    : desktop_(textMetrics),
+                                 CameraHousings& housings, std::function<void()> onKeysTaken)
+    : desktop_(textMetrics, housings),
       eventTaps_(runLoop),
       accessibility_(eventTaps_, std::move(onKeysTaken)) {}
 

@@ -19,7 +19,7 @@ class X11WindowSystem final : public WindowSystem {
   /// `onKeysTaken` is called once when another program has the media keys. The other arguments must
   /// outlive it.
   X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
-                  std::function<void()> onKeysTaken);
+                  CameraHousings& housings, std::function<void()> onKeysTaken);
 
   [[nodiscard]] QJsonObject backends() const override;
   [[nodiscard]] QJsonObject mediaKeys() const override;

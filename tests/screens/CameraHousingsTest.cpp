@@ -27,9 +27,12 @@ class CameraHousingsTest : public testing::Test {
   CameraHousings housings(const QString& notch = {}) {
     return CameraHousings({notch, folder.filePath("housings.json"), folder.path()});
   }
-  std::vector<Screen> applied(const CameraHousings& housings, std::vector<Screen> screens) {
+  static std::vector<Screen> applied(const CameraHousings& housings, std::vector<Screen> screens) {
     housings.applyTo(screens);
     return screens;
+  }
+  static double inset(const CameraHousings& housings) {
+    return applied(housings, {screen("eDP-1", 1000, 800)})[0].safeAreaInsetTop;
   }
 
   static Screen screen(const std::string& name, double width, double height, double scale = 1) {
@@ -84,18 +87,44 @@ TEST_F(CameraHousingsTest, TheUsersFileNamesPanels) {
 
 TEST_F(CameraHousingsTest, WrongPartsOfTheFileAreNamedAndLeftOut) {
   write("housings.json", "[\n {\"x-res\": 1,\n \"y-res\" 2}]");
-  EXPECT_THAT(housings().problems(), ElementsAre(HasSubstr("housings.json:3: ")));
+  EXPECT_THAT(housings().problems(), ElementsAre(HasSubstr("housings.json:3 : ")));
   write("housings.json", R"([{"name": "a", "x-res": "wide", "y-res": 1600},
 {"name": "b", "x-res": 1000, "y-res": 800, "cutouts": [
   {"path": "M 400 nonsense"}, {"path": "M 450 0 h 100 v 30 h -100 z"}]}])");
   const auto known = housings();
   EXPECT_THAT(known.problems(),
-              ElementsAre(HasSubstr("housings.json:1: "), HasSubstr("housings.json:3: ")));
+              ElementsAre(HasSubstr("housings.json:1 : "), HasSubstr("housings.json:3 : ")));
   EXPECT_EQ(applied(known, {screen("eDP-1", 1000, 800)})[0].safeAreaInsetTop, 30);
   for (const char* text : {"3", "null", "[[], 5, \"x\"]", "{}", "[", "\"\\ud800\""}) {
     write("housings.json", text);
     EXPECT_EQ(applied(housings(), {screen("eDP-1", 1000, 800)})[0].safeAreaInsetTop, 0) << text;
   }
+}
+
+TEST_F(CameraHousingsTest, WhatIsTriedOrWrittenMeanwhileCounts) {
+  const auto file = [](int height) {
+    return QByteArray(R"({"name": "mine", "x-res": 1000, "y-res": 800, "cutouts": [)"
+                      R"({"path": "M 400 0 h 200 v )") +
+           QByteArray::number(height) + " h -200 z\"}]}";
+  };
+  write("housings.json", file(30));
+  auto known = housings();
+  int changes = 0;
+  const auto token = known.observeChanges([&] { ++changes; });
+  known.setPreview(view::Size{185, 32});
+  EXPECT_EQ(inset(known), 32);
+  EXPECT_EQ(known.find({screen("eDP-1", 1000, 800)})->origin, CameraHousings::Origin::preview);
+  known.setPreview(std::nullopt);
+  write("housings.json", file(40));
+  EXPECT_EQ(inset(known), 30);
+  known.reread();
+  EXPECT_EQ(inset(known), 40);
+  EXPECT_EQ(changes, 3);
+  const auto found = known.find({screen("HDMI-1", 1000, 800), screen("eDP-1", 1000, 800)});
+  ASSERT_TRUE(found);
+  EXPECT_EQ(found->screen, 1U);
+  EXPECT_EQ(found->origin, CameraHousings::Origin::userFile);
+  EXPECT_EQ(found->panel, "mine");
 }
 
 TEST_F(CameraHousingsTest, KnownPanelsAndTheKernelsNotch) {

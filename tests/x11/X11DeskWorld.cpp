@@ -72,8 +72,7 @@ X11DeskWorld::X11DeskWorld(Company company) {
     ADD_FAILURE() << "no compositing manager";
   background_ = std::make_unique<ForeignWindow>(QRect(QPoint(), display().size()));
   display().movePointer({1, display().size().height() - 2});
-  desktop_ =
-      std::make_unique<desktop::X11Desktop>(textMetrics_, desktop::CameraHousings::Sources{});
+  desktop_ = std::make_unique<desktop::X11Desktop>(textMetrics_, housings_);
   settle();
 }
 

@@ -71,6 +71,7 @@ class X11DeskWorld final : public DeskWorld {
   void removeMonitors();
 
   desktop::QtTextMetrics textMetrics_;
+  desktop::CameraHousings housings_{{}};
   desktop::QtRunLoop runLoop_;
   std::unique_ptr<ForeignWindow> background_;
   std::unique_ptr<desktop::X11Desktop> desktop_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include <QDir>
 #include <QFile>
@@ -46,8 +47,8 @@ bool isBuiltIn(const platform::Screen& screen) {
   });
 }
 
-view::Rect centredHousing(double panelWidth, double width, double height) {
-  return {(panelWidth - width) / 2, 0, width, height};
+view::Rect centredCutout(double width, view::Size size) {
+  return {(width - size.width) / 2, 0, size.width, size.height};
 }
 
 // `cutout` in points from the screen's top left.
@@ -60,6 +61,17 @@ void enter(platform::Screen& screen, const view::Rect& cutout) {
   screen.auxiliaryTopLeftArea = {frame.x, frame.maxY() - inset, left, inset};
   screen.auxiliaryTopRightArea = {frame.x + right, frame.maxY() - inset, frame.width - right,
                                   inset};
+}
+
+/// A cutout of a panel of that size in pixels, in points of the screen. None for a picture of
+/// another shape, which does not reach the housing: the rows beside it are left dark.
+std::optional<view::Rect> onScreen(const view::Rect& cutout, view::Size panel,
+                                   const platform::Screen& screen) {
+  const double factor = screen.frame.width / panel.width;
+  if (std::abs(panel.height * factor - screen.frame.height) * screen.scale > 1.5)
+    return std::nullopt;
+  return view::Rect{cutout.x * factor, cutout.y * factor, cutout.width * factor,
+                    cutout.height * factor};
 }
 
 QByteArray contents(const QString& path) {
@@ -81,9 +93,9 @@ CameraHousings::Sources CameraHousings::Sources::fromEnvironment() {
           configuration + QStringLiteral("/valdrix/housings.json"), QStringLiteral("/")};
 }
 
-CameraHousings::CameraHousings(const Sources& sources) {
+CameraHousings::CameraHousings(const Sources& sources) : sources_(sources) {
   readNotch(sources.notch);
-  readFile(sources.userFile);
+  readFile();
   readSystem(sources.systemRoot);
 }
 
@@ -96,58 +108,75 @@ void CameraHousings::readNotch(const QString& text) {
   if (match.hasMatch() && size.width > 0 && size.height > 0)
     notch_ = size;
   else
-    problems_.push_back("VALDRIX_NOTCH: not a size such as 200x32");
+    notchProblems_.emplace_back("VALDRIX_NOTCH : une taille s'écrit comme 200x32");
 }
 
-void CameraHousings::readFile(const QString& path) {
-  const QByteArray text = contents(path);
+void CameraHousings::readFile() {
+  userPanels_.clear();
+  fileProblems_.clear();
+  const QByteArray text = contents(sources_.userFile);
   if (text.isEmpty()) return;
   QJsonParseError error;
   const auto document = QJsonDocument::fromJson(text, &error);
   if (error.error != QJsonParseError::NoError) {
-    problems_.push_back(QStringLiteral("%1:%2: %3")
-                            .arg(path)
-                            .arg(lineOf(text, error.offset))
-                            .arg(error.errorString())
-                            .toStdString());
+    fileProblems_.push_back(QStringLiteral("%1:%2 : ce n'est pas du JSON (%3)")
+                                .arg(sources_.userFile)
+                                .arg(lineOf(text, error.offset))
+                                .arg(error.errorString())
+                                .toStdString());
     return;
   }
-  if (document.isObject()) readPanel(document.object(), text, path);
-  for (const auto panel : document.array()) readPanel(panel.toObject(), text, path);
+  if (document.isObject()) readPanel(document.object(), text);
+  for (const auto panel : document.array()) readPanel(panel.toObject(), text);
 }
 
-void CameraHousings::readPanel(const QJsonObject& object, const QByteArray& text,
-                               const QString& path) {
+void CameraHousings::complain(const QByteArray& text, const QString& mark, const char* reason) {
+  const auto line = lineOf(text, mark.isEmpty() ? 0 : text.indexOf(mark.toUtf8()));
+  fileProblems_.push_back(
+      QStringLiteral("%1:%2 : ").arg(sources_.userFile).arg(line).toStdString() + reason);
+}
+
+void CameraHousings::readPanel(const QJsonObject& object, const QByteArray& text) {
   const auto name = object[QLatin1String("name")].toString();
-  const auto complain = [&](const QString& mark, const char* reason) {
-    const auto line = lineOf(text, mark.isEmpty() ? 0 : text.indexOf(mark.toUtf8()));
-    problems_.push_back(QStringLiteral("%1:%2: ").arg(path).arg(line).toStdString() + reason);
-  };
-  Panel panel{
-      object[QLatin1String("x-res")].toDouble(), object[QLatin1String("y-res")].toDouble(), {}};
-  if (!(panel.width >= 1 && panel.height >= 1))
-    return complain(name, "a panel needs x-res and y-res");
-  for (const auto cutout : object[QLatin1String("cutouts")].toArray()) {
+  const double width = object[QLatin1String("x-res")].toDouble();
+  const double height = object[QLatin1String("y-res")].toDouble();
+  if (!(width >= 1 && height >= 1))
+    return complain(text, name, "il faut x-res et y-res, la taille de l'écran en pixels");
+  if (const auto cutout = readCutouts(object, text))
+    userPanels_.push_back({width, height, *cutout, name.toStdString()});
+}
+
+std::optional<view::Rect> CameraHousings::readCutouts(const QJsonObject& panel,
+                                                      const QByteArray& text) {
+  const double height = panel[QLatin1String("y-res")].toDouble();
+  view::Rect united;
+  for (const auto cutout : panel[QLatin1String("cutouts")].toArray()) {
     const auto outline = cutout.toObject()[QLatin1String("path")].toString();
     const auto bounds = pathBounds(outline.toStdString());
     if (!bounds) {
-      complain(outline, "a cutout's path is not one, or draws nothing");
+      complain(text, outline, "path n'est pas un tracé SVG, ou ne dessine rien");
       continue;
     }
     // Only what hangs from the top edge is a housing; others are holes for something else.
-    const bool isAtTop = bounds->minY() < panel.height / 10 && bounds->maxY() < panel.height / 2;
-    if (isAtTop) panel.cutout = panel.cutout.united(*bounds);
+    const bool isAtTop = bounds->minY() < height / 10 && bounds->maxY() < height / 2;
+    if (isAtTop) united = united.united(*bounds);
   }
-  if (!panel.cutout.isEmpty()) panels_.push_back(panel);
+  if (!united.isEmpty()) return united;
+  complain(text, panel[QLatin1String("name")].toString(),
+           "aucune découpe ne touche le bord du haut");
+  return std::nullopt;
 }
 
 void CameraHousings::readSystem(const QString& root) {
   const QDir tree(root + QStringLiteral("/proc/device-tree"));
   const auto machine = contents(tree.filePath(QStringLiteral("compatible"))).split('\0');
-  for (const auto& known : knownPanels)
-    if (machine.contains(known.compatible))
-      panels_.push_back({static_cast<double>(known.width), static_cast<double>(known.height),
-                         centredHousing(known.width, known.housingWidth, known.housingHeight)});
+  for (const auto& known : knownPanels) {
+    if (!machine.contains(known.compatible)) continue;
+    const view::Size housing{static_cast<double>(known.housingWidth),
+                             static_cast<double>(known.housingHeight)};
+    knownPanels_.push_back({static_cast<double>(known.width), static_cast<double>(known.height),
+                            centredCutout(known.width, housing), known.compatible});
+  }
   // The boot loader leaves the rows beside the housing in the display coprocessor's node.
   const QDir soc(tree.filePath(QStringLiteral("soc")));
   for (const auto& node : soc.entryList({QStringLiteral("dcp*")}, QDir::Dirs)) {
@@ -156,33 +185,65 @@ void CameraHousings::readSystem(const QString& root) {
   }
 }
 
-void CameraHousings::applyTo(std::vector<platform::Screen>& screens) const {
-  auto screen = std::ranges::find_if(screens, isBuiltIn);
-  if (notch_) {
-    if (screen == screens.end()) screen = screens.begin();
-    if (screen != screens.end())
-      enter(*screen, centredHousing(screen->frame.width, notch_->width, notch_->height));
-    return;
-  }
-  if (screen == screens.end()) return;
-  if (std::ranges::any_of(panels_, [&](const Panel& panel) { return cutOut(*screen, panel); }))
-    return;
+std::optional<CameraHousings::Panel> CameraHousings::kernelPanel(
+    const platform::Screen& screen) const {
+  const double width = screen.frame.width * screen.scale;
+  const double height = screen.frame.height * screen.scale;
   // A 16:10 picture leaves the rows beside the housing out.
-  const double width = screen->frame.width * screen->scale;
-  const double height = screen->frame.height * screen->scale;
-  if (kernelNotchHeight_ > 0 && height - kernelNotchHeight_ >= width * 0.625 - 1)
-    cutOut(*screen,
-           {width, height, centredHousing(width, width * usualHousingShare, kernelNotchHeight_)});
+  if (!(kernelNotchHeight_ > 0) || height - kernelNotchHeight_ < width * 0.625 - 1)
+    return std::nullopt;
+  return Panel{
+      width, height, centredCutout(width, {width * usualHousingShare, kernelNotchHeight_}), {}};
 }
 
-// A picture of another shape does not reach the housing: the rows beside it are left dark.
-bool CameraHousings::cutOut(platform::Screen& screen, const Panel& panel) {
-  const double factor = screen.frame.width / panel.width;
-  if (std::abs(panel.height * factor - screen.frame.height) * screen.scale > 1.5) return false;
-  const auto& cutout = panel.cutout;
-  enter(screen,
-        {cutout.x * factor, cutout.y * factor, cutout.width * factor, cutout.height * factor});
-  return true;
+std::optional<CameraHousings::Housing> CameraHousings::find(
+    const std::vector<platform::Screen>& screens) const {
+  if (screens.empty()) return std::nullopt;
+  const auto builtIn = std::ranges::find_if(screens, isBuiltIn);
+  const auto& screen = builtIn == screens.end() ? screens.front() : *builtIn;
+  const auto index = static_cast<std::size_t>(&screen - screens.data());
+  if (const auto& size = preview_ ? preview_ : notch_)
+    return Housing{index,
+                   centredCutout(screen.frame.width, *size),
+                   preview_ ? Origin::preview : Origin::environment,
+                   {}};
+  if (builtIn == screens.end()) return std::nullopt;
+  const auto first = [&](const auto& panels, Origin origin) -> std::optional<Housing> {
+    for (const auto& panel : panels)
+      if (const auto cutout = onScreen(panel.cutout, {panel.width, panel.height}, screen))
+        return Housing{index, *cutout, origin, panel.name};
+    return std::nullopt;
+  };
+  if (auto housing = first(userPanels_, Origin::userFile)) return housing;
+  if (auto housing = first(knownPanels_, Origin::table)) return housing;
+  const auto panel = kernelPanel(screen);
+  return panel ? first(std::array{*panel}, Origin::kernel) : std::nullopt;
+}
+
+void CameraHousings::applyTo(std::vector<platform::Screen>& screens) const {
+  if (const auto housing = find(screens)) enter(screens[housing->screen], housing->cutout);
+}
+
+void CameraHousings::setPreview(std::optional<view::Size> size) {
+  preview_ = size;
+  observers_.notify();
+}
+
+std::filesystem::path CameraHousings::userFile() const { return sources_.userFile.toStdString(); }
+
+void CameraHousings::reread() {
+  readFile();
+  observers_.notify();
+}
+
+Token CameraHousings::observeChanges(std::function<void()> block) {
+  return observers_.add(std::move(block));
+}
+
+std::vector<std::string> CameraHousings::problems() const {
+  auto all = notchProblems_;
+  all.insert(all.end(), fileProblems_.begin(), fileProblems_.end());
+  return all;
 }
 
 }  // namespace valdrix::desktop

@@ -14,17 +14,14 @@ class QtTextMetrics;
 
 /// Screens, panels, pointer and cursor of the X server that Qt is connected to.
 struct X11Desktop {
-  /// `textMetrics` must outlive it.
-  explicit X11Desktop(
-      const QtTextMetrics& textMetrics,
-      const CameraHousings::Sources& sources = CameraHousings::Sources::fromEnvironment())
-      : housings(sources),
+  /// `textMetrics` and `housings` must outlive it.
+  X11Desktop(const QtTextMetrics& textMetrics, CameraHousings& housings)
+      : screens(housings),
         panelWindows(
             {connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn}) {}
 
   X11Connection connection;
-  CameraHousings housings;
-  X11Screens screens{housings};
+  X11Screens screens;
   X11Pointer pointer{connection};
   X11Cursor cursor{connection};
   X11Compositing compositing{connection};

@@ -8,7 +8,10 @@
 
 namespace valdrix::desktop {
 
-X11Screens::X11Screens(const CameraHousings& housings) : housings_(housings), known_(screens()) {
+X11Screens::X11Screens(CameraHousings& housings)
+    : housings_(housings),
+      housingsObserver_(housings.observeChanges([this] { scheduleUpdate(); })),
+      known_(screens()) {
   QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
     watch(screen);
     scheduleUpdate();

@@ -18,7 +18,7 @@ namespace valdrix::desktop {
 class X11Screens final : public platform::Screens, private QAbstractNativeEventFilter {
  public:
   /// `housings` must outlive it.
-  explicit X11Screens(const CameraHousings& housings);
+  explicit X11Screens(CameraHousings& housings);
   ~X11Screens() override;
 
   [[nodiscard]] std::vector<platform::Screen> screens() const override;
@@ -32,6 +32,7 @@ class X11Screens final : public platform::Screens, private QAbstractNativeEventF
   void update();
 
   const CameraHousings& housings_;
+  Token housingsObserver_;
   Listeners<> observers_;
   std::vector<platform::Screen> known_;
   bool isUpdateScheduled_ = false;
