@@ -1,7 +1,9 @@
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "commands/AgentCommands.h"
 #include "commands/CommandLine.h"
 #include "commands/RunCommand.h"
 #include "commands/SimulateCommand.h"
@@ -15,7 +17,14 @@ struct Execute {
   int& argc;
   char** argv;
 
-  int operator()(const Run&) const { return runAgent(argc, argv); }
+  int operator()(const Run&) const { return runAgent(std::nullopt, argc, argv); }
+  int operator()(const OpenSettings& command) const { return runAgent(command, argc, argv); }
+  int operator()(const PressKey& command) const { return pressKey(command, argc, argv); }
+  int operator()(const ShowLevel& command) const { return showLevel(command, argc, argv); }
+  int operator()(const DescribeHousings&) const { return describeHousings(argc, argv); }
+  int operator()(const PreviewHousing& command) const {
+    return previewHousing(command, argc, argv);
+  }
   int operator()(const Status&) const { return printStatus(argc, argv); }
   int operator()(const Access&) const { return requestCalendarAccess(argc, argv); }
   int operator()(const Quit&) const { return quitAgent(argc, argv); }

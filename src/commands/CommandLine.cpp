@@ -1,8 +1,10 @@
 #include "commands/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstddef>
-#include <optional>
+#include <iterator>
+#include <span>
+#include <string_view>
 
 #include <system_error>
 
@@ -10,60 +12,165 @@ namespace valdrix::commands {
 
 namespace {
 
-using Words = std::vector<std::string>;
+/// What follows the command's own word.
+using Words = std::span<const std::string>;
 
-std::optional<double> positiveNumber(const std::string& word) {
+template <class T>
+struct Named {
+  std::string_view name;
+  T value;
+};
+
+constexpr Named<std::size_t> tabs[] = {
+    {"general", 0}, {"calendrier", 1}, {"huds", 2}, {"apropos", 3}};
+
+constexpr Named<MediaKey> keys[] = {{"volume-up", MediaKey::volumeUp},
+                                    {"volume-down", MediaKey::volumeDown},
+                                    {"mute", MediaKey::mute},
+                                    {"brightness-up", MediaKey::brightnessUp},
+                                    {"brightness-down", MediaKey::brightnessDown}};
+
+constexpr Named<ShowLevel::Kind> levels[] = {{"volume", ShowLevel::Kind::volume},
+                                             {"brightness", ShowLevel::Kind::brightness}};
+
+template <class T, std::size_t count>
+const Named<T>* find(const Named<T> (&all)[count], std::string_view name) {
+  const auto* const found = std::ranges::find(all, name, &Named<T>::name);
+  return found == std::end(all) ? nullptr : found;
+}
+
+Misuse unexpected(const std::string& word) {
+  return {(word.starts_with("-") ? "option inconnue : " : "argument en trop : ") + word};
+}
+
+/// A command without words of its own.
+template <class C>
+Command parseAlone(Words words) {
+  if (!words.empty()) return unexpected(words[0]);
+  return C{};
+}
+
+/// A number above 0 at the front of `text`, which it leaves with the rest.
+std::optional<double> takeNumber(std::string_view& text, double most) {
   double value = 0;
-  const char* const end = word.data() + word.size();
-  const auto [stop, error] = std::from_chars(word.data(), end, value);
-  if (error != std::errc{} || stop != end || !(value > 0) || value > 16) return std::nullopt;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || !(value > 0) || value > most) return std::nullopt;
+  text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
   return value;
 }
 
-Command parseSimulate(const Words& words) {
+Command parseSettings(Words words) {
+  if (words.empty()) return OpenSettings{};
+  const auto* const tab = find(tabs, words[0]);
+  if (!tab) return Misuse{"onglet inconnu : " + words[0]};
+  if (words.size() > 1) return unexpected(words[1]);
+  return OpenSettings{tab->value};
+}
+
+Command parseKey(Words words) {
+  if (words.empty()) return Misuse{"il manque la touche"};
+  const auto* const key = find(keys, words[0]);
+  if (!key) return Misuse{"touche inconnue : " + words[0]};
+  PressKey command{{.key = key->value, .isFine = false, .isRepeat = false}};
+  for (const auto& word : words.subspan(1)) {
+    if (word == "--fine")
+      command.action.isFine = true;
+    else if (word == "--repeat")
+      command.action.isRepeat = true;
+    else
+      return unexpected(word);
+  }
+  return command;
+}
+
+Command parseShow(Words words) {
+  if (words.empty()) return Misuse{"il manque ce qu'il faut montrer"};
+  const auto* const level = find(levels, words[0]);
+  if (!level) return Misuse{"niveau inconnu : " + words[0]};
+  if (words.size() > 1) return unexpected(words[1]);
+  return ShowLevel{level->value};
+}
+
+Command parseNotch(Words words) {
+  if (words.empty()) return DescribeHousings{};
+  if (words[0] != "--preview") return unexpected(words[0]);
+  if (words.size() == 1) return Misuse{"il manque une valeur après " + words[0]};
+  const auto size = parseSize(words[1]);
+  if (!size) return Misuse{"taille non valable : " + words[1]};
+  if (words.size() > 2) return unexpected(words[2]);
+  return PreviewHousing{*size};
+}
+
+Command parseSimulate(Words words) {
   Simulate command;
-  for (std::size_t i = 1; i < words.size(); ++i) {
+  for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string& word = words[i];
     const bool isOption = word == "--frames" || word == "--scale";
     if (isOption && i + 1 == words.size()) return Misuse{"il manque une valeur après " + word};
     if (word == "--frames") {
       command.framesFolder = words[++i];
     } else if (word == "--scale") {
-      const auto scale = positiveNumber(words[++i]);
-      if (!scale) return Misuse{"échelle non valable : " + words[i]};
+      std::string_view text = words[++i];
+      const auto scale = takeNumber(text, 16);
+      if (!scale || !text.empty()) return Misuse{"échelle non valable : " + words[i]};
       command.scale = *scale;
-    } else if (word.starts_with("--")) {
-      return Misuse{"option inconnue : " + word};
-    } else if (command.file.empty()) {
-      command.file = word;
+    } else if (word.starts_with("--") || !command.file.empty()) {
+      return unexpected(word);
     } else {
-      return Misuse{"argument en trop : " + word};
+      command.file = word;
     }
   }
   if (command.file.empty()) return Misuse{"il manque le fichier du scénario"};
   return command;
 }
 
+constexpr Named<Command (*)(Words)> verbs[] = {
+    {"settings", parseSettings},
+    {"key", parseKey},
+    {"show", parseShow},
+    {"notch", parseNotch},
+    {"status", parseAlone<Status>},
+    {"access", parseAlone<Access>},
+    {"quit", parseAlone<Quit>},
+    {"simulate", parseSimulate},
+    {"--version", parseAlone<ShowVersion>},
+    {"--help", parseAlone<ShowHelp>},
+    {"-h", parseAlone<ShowHelp>},
+};
+
 }  // namespace
 
-Command parse(const Words& words) {
+Command parse(const std::vector<std::string>& words) {
   if (words.empty()) return Run{};
-  const std::string& verb = words.front();
-  if (verb == "simulate") return parseSimulate(words);
-  if (words.size() > 1) return Misuse{"argument en trop : " + words[1]};
-  if (verb == "status") return Status{};
-  if (verb == "quit") return Quit{};
-  if (verb == "access") return Access{};
-  if (verb == "--version") return ShowVersion{};
-  if (verb == "--help" || verb == "-h") return ShowHelp{};
-  return Misuse{"commande inconnue : " + verb};
+  const auto* const verb = find(verbs, words[0]);
+  if (!verb) return Misuse{"commande inconnue : " + words[0]};
+  return verb->value(Words(words).subspan(1));
+}
+
+std::optional<view::Size> parseSize(std::string_view text) {
+  constexpr double mostPoints = 10000;
+  const auto width = takeNumber(text, mostPoints);
+  if (!width || !text.starts_with('x')) return std::nullopt;
+  text.remove_prefix(1);
+  const auto height = takeNumber(text, mostPoints);
+  if (!height || !text.empty()) return std::nullopt;
+  return view::Size{*width, *height};
 }
 
 std::string usage() {
   return "Utilisation : valdrix [commande]\n"
          "\n"
-         "Sans commande, lance valdrix, ou passe la main à celui qui tourne déjà.\n"
+         "Sans commande, lance valdrix, ou ouvre les réglages de celui qui tourne déjà.\n"
          "\n"
+         "  settings [ONGLET]   ouvre les réglages : general, calendrier, huds ou apropos\n"
+         "  key TOUCHE          agit comme la touche : volume-up, volume-down, mute,\n"
+         "                      brightness-up ou brightness-down\n"
+         "      --fine            par quart de pas, comme avec Maj\n"
+         "      --repeat          comme une touche maintenue\n"
+         "  show NIVEAU         montre le niveau actuel : volume ou brightness\n"
+         "  notch               dit quelle encoche a chaque écran, et d'où valdrix le sait\n"
+         "      --preview LxH     montre une encoche de cette taille en points, le temps "
+         "d'essayer\n"
          "  status              affiche en JSON l'état du valdrix qui tourne\n"
          "  access              fait demander par le valdrix qui tourne l'accès aux calendriers\n"
          "  quit                arrête le valdrix qui tourne\n"

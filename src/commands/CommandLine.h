@@ -1,13 +1,38 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
+
+#include "media/MediaKeyMonitor.h"
+#include "view/Geometry.h"
 
 namespace valdrix::commands {
 
 /// Runs the agent, or hands over to the one that runs.
 struct Run {};
+/// Opens the settings of the running agent, or runs the agent with its settings open.
+struct OpenSettings {
+  /// Which tab, counted from 0; none: the one that was seen last.
+  std::optional<std::size_t> tab;
+};
+/// Has the running agent take a media key.
+struct PressKey {
+  MediaKeyMonitor::KeyAction action;
+};
+/// Has the running agent show the present level.
+struct ShowLevel {
+  enum class Kind { volume, brightness };
+  Kind kind;
+};
+/// Prints what the running agent knows of camera housings.
+struct DescribeHousings {};
+/// Has the running agent show a housing of that size, in points, while the user looks.
+struct PreviewHousing {
+  view::Size size;
+};
 /// Prints the running agent's state as JSON.
 struct Status {};
 /// Ends the running agent.
@@ -29,10 +54,15 @@ struct Misuse {
   std::string reason;
 };
 
-using Command = std::variant<Run, Status, Quit, Access, Simulate, ShowVersion, ShowHelp, Misuse>;
+using Command =
+    std::variant<Run, OpenSettings, PressKey, ShowLevel, DescribeHousings, PreviewHousing, Status,
+                 Quit, Access, Simulate, ShowVersion, ShowHelp, Misuse>;
 
 /// What the words after the program's name ask for.
 [[nodiscard]] Command parse(const std::vector<std::string>& words);
+
+/// A size of a housing in points, written as 185x32; none when the text is not one.
+[[nodiscard]] std::optional<view::Size> parseSize(std::string_view text);
 
 /// How the program is called.
 [[nodiscard]] std::string usage();

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -106,6 +107,12 @@ QJsonArray screensArray(const platform::Screens& screens) {
   return array;
 }
 
+QJsonArray texts(const std::vector<std::string>& all) {
+  QJsonArray array;
+  for (const auto& text : all) array.append(QString::fromStdString(text));
+  return array;
+}
+
 }  // namespace
 
 std::string statusReport(const AppDelegate& app, const desktop::DesktopPlatform& platform) {
@@ -124,6 +131,7 @@ std::string statusReport(const AppDelegate& app, const desktop::DesktopPlatform&
       {"mediaKeys", keys},
       {"calendar", calendarObject(app.calendarService())},
       {"screens", screensArray(platform.ports().screens)},
+      {"housingProblems", texts(platform.housings().problems())},
       {"hasWindow", app.hasWindow()},
       {"framesDrawn", static_cast<qint64>(platform.windowSystem().framesDrawn())},
       {"backends", platform.backends()},

@@ -27,12 +27,14 @@ class BrightnessService {
   /// Called with the new level after every successful change, also one to the same value.
   void setOnBrightnessChanged(std::function<void(float level)> onBrightnessChanged);
 
+  /// Reads the level of now, without a report.
+  void refresh();
+
   /// Moves the brightness by `delta`, held to 0 to 1.
   void adjust(float delta);
 
  private:
   void loadDisplayServices(platform::DisplayServices& displayServices);
-  void refresh();
   /// The first active display that is part of the machine; looked up anew for every operation.
   [[nodiscard]] std::optional<platform::DisplayID> builtInDisplayID() const;
 

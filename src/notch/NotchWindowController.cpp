@@ -131,6 +131,29 @@ void NotchWindowController::scheduleTrackingUpdate() {
   platform_.runLoop.async(lifetime_.weak([this] { updateTracking(); }));
 }
 
+std::optional<NotchWindowController::Showing> NotchWindowController::obstacle(
+    std::string_view preference) const {
+  if (!platform_.userDefaults.boolForKey(preference)) return Showing::switchedOff;
+  if (viewModel_.isExpanded) return Showing::expanded;
+  return std::nullopt;
+}
+
+NotchWindowController::Showing NotchWindowController::showVolume() {
+  if (volumeService_.deviceID() == 0) return Showing::unavailable;
+  if (const auto found = obstacle(preferenceKeys::volumeHUDEnabled)) return *found;
+  showVolumeHUD(volumeService_.level(), volumeService_.isMuted());
+  return Showing::shown;
+}
+
+NotchWindowController::Showing NotchWindowController::showBrightness() {
+  if (!brightnessService_.isAvailable()) return Showing::unavailable;
+  if (const auto found = obstacle(preferenceKeys::brightnessHUDEnabled)) return *found;
+  // Changes made elsewhere are not watched for.
+  brightnessService_.refresh();
+  showBrightnessHUD(brightnessService_.level());
+  return Showing::shown;
+}
+
 void NotchWindowController::showVolumeHUD(float level, bool isMuted) {
   if (!platform_.userDefaults.boolForKey(preferenceKeys::volumeHUDEnabled)) return;
   if (viewModel_.isExpanded) return;

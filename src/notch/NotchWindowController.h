@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "calendar/CalendarService.h"
 #include "media/BrightnessService.h"
@@ -32,6 +34,17 @@ class NotchWindowController {
   /// Whether there is a window; none before `install` and as long as there was no screen.
   [[nodiscard]] bool hasWindow() const { return window_ != nullptr; }
 
+  /// What came of the wish to see a level.
+  enum class Showing {
+    shown,
+    unavailable,  ///< there is nothing whose level could be shown
+    switchedOff,  ///< the user has switched the indicator off
+    expanded,     ///< the expanded panel has no place for it
+  };
+  /// Show the indicator of the present level as after a change.
+  Showing showVolume();
+  Showing showBrightness();
+
  private:
   void buildWindow();
   void installMouseMonitors();
@@ -52,6 +65,7 @@ class NotchWindowController {
   void dropVolumeHUD();
   void dropBrightnessHUD();
   [[nodiscard]] double hudDuration() const;
+  [[nodiscard]] std::optional<Showing> obstacle(std::string_view preference) const;
 
   const platform::Platform& platform_;
   std::unique_ptr<NotchWindow> window_;

@@ -86,6 +86,10 @@ ChildProcess::Result AgentDesktop::command(const QStringList& words) const {
   return ChildProcess::run(VALDRIX_PROGRAM, words, environment());
 }
 
+std::unique_ptr<ChildProcess> AgentDesktop::launch(const QStringList& words) const {
+  return std::make_unique<ChildProcess>(VALDRIX_PROGRAM, words, environment());
+}
+
 QJsonObject AgentDesktop::status() const {
   return QJsonDocument::fromJson(command({"status"}).output.toUtf8()).object();
 }

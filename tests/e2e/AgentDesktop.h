@@ -48,6 +48,9 @@ class AgentDesktop {
   /// Runs the program with other words, to its end.
   [[nodiscard]] ChildProcess::Result command(const QStringList& words) const;
 
+  /// Starts the program with other words. It ends with the result.
+  [[nodiscard]] std::unique_ptr<ChildProcess> launch(const QStringList& words) const;
+
   /// What the program says of itself; empty when it does not answer.
   [[nodiscard]] QJsonObject status() const;
   [[nodiscard]] QString presentation() const;

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QJsonArray>
+
 #include "tests/e2e/AgentDesktop.h"
 #include "tests/support/WaitFor.h"
 
@@ -8,6 +10,7 @@ namespace valdrix::tests {
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -32,6 +35,48 @@ TEST(Commands, OneAgentAnswersAndEnds) {
   EXPECT_EQ(desktop.command({"quit"}).exitCode, 1);
 }
 
+TEST(Commands, KeysActAndLevelsShowByCommand) {
+  AgentDesktop desktop;
+  EXPECT_EQ(desktop.command({"key", "volume-up"}).exitCode, 1) << "nobody runs";
+  ASSERT_TRUE(desktop.startAgent());
+  EXPECT_EQ(desktop.command({"key", "volume-up"}).exitCode, 0);
+  EXPECT_TRUE(desktop.awaitPresentation("volumeHUD"));
+  EXPECT_TRUE(desktop.awaitVolume(0.5625));
+  EXPECT_EQ(desktop.command({"key", "volume-down", "--fine", "--repeat"}).exitCode, 0);
+  EXPECT_TRUE(desktop.awaitVolume(0.546875));
+  EXPECT_EQ(desktop.command({"show", "brightness"}).exitCode, 0);
+  EXPECT_TRUE(desktop.awaitPresentation("brightnessHUD"));
+
+  desktop.setPreference("volumeHUDEnabled", "false");
+  const auto isPassedOn = [&] { return desktop.command({"key", "volume-up"}).exitCode == 1; };
+  EXPECT_TRUE(waitFor(isPassedOn));
+  const auto hidden = desktop.command({"show", "volume"});
+  EXPECT_EQ(hidden.exitCode, 1);
+  EXPECT_EQ(lines(hidden.errors), 1);
+}
+
+TEST(Commands, HousingsAreTriedAndTold) {
+  AgentDesktop desktop;
+  desktop.writeUserFile("config/valdrix/housings.json", "[\n3");
+  ASSERT_TRUE(desktop.startAgent());
+  const auto report = desktop.command({"notch"});
+  EXPECT_THAT(report.output.toStdString(),
+              AllOf(HasSubstr("1512 × 982 points"), HasSubstr("housings.json:2 : ")));
+  const auto isWide = [&](double width) {
+    const auto screen = desktop.status()["screens"].toArray()[0].toObject();
+    return screen["notchSize"].toObject()["width"].toDouble() == width;
+  };
+  const auto preview = desktop.launch({"notch", "--preview", "300x40"});
+  EXPECT_TRUE(waitFor([&] { return isWide(300); }));
+  preview->process().write("310x41\n");
+  EXPECT_TRUE(waitFor([&] { return isWide(310); }));
+  preview->process().closeWriteChannel();
+  EXPECT_TRUE(waitFor([&] { return !preview->isRunning() && isWide(200); }));
+  EXPECT_EQ(preview->process().exitCode(), 0);
+  EXPECT_THAT(QString(preview->process().readAllStandardOutput()).toStdString(),
+              HasSubstr("M 601 0 H 911 V 41 H 601 Z"));
+}
+
 TEST(Commands, WordsAreUnderstoodOrRefusedInFrench) {
   const auto run = [](const QStringList& words) {
     return ChildProcess::run(VALDRIX_PROGRAM, words);
@@ -41,7 +86,17 @@ TEST(Commands, WordsAreUnderstoodOrRefusedInFrench) {
   for (const QStringList& words : {QStringList{"dance"},
                                    {"simulate"},
                                    {"status", "now"},
-                                   {"simulate", "file", "--scale", "0"}}) {
+                                   {"simulate", "file", "--scale", "0"},
+                                   {"settings", "colours"},
+                                   {"settings", "huds", "apropos"},
+                                   {"key"},
+                                   {"key", "play"},
+                                   {"key", "mute", "--loud"},
+                                   {"show"},
+                                   {"show", "time"},
+                                   {"notch", "--preview"},
+                                   {"notch", "--preview", "185"},
+                                   {"notch", "--preview", "185x0"}}) {
     const auto refused = run(words);
     EXPECT_EQ(refused.exitCode, 2) << words.join(' ').toStdString();
     EXPECT_THAT(refused.errors.toStdString(), StartsWith("valdrix : "));

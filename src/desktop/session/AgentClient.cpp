@@ -12,7 +12,8 @@ namespace {
 constexpr double connectSeconds = 1;
 constexpr int callMilliseconds = 1000;
 
-const char* explanation(const QDBusError& error) {
+std::string explanation(const QDBusError& error) {
+  if (error.name() == AgentNames::refusal) return error.message().toStdString();
   // What the bus says of a call that must not start its service.
   if (error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner") return "valdrix ne tourne pas.";
   switch (error.type()) {
@@ -30,19 +31,38 @@ const char* explanation(const QDBusError& error) {
 
 }  // namespace
 
-AgentClient::Answer AgentClient::status() { return ask("Status"); }
+AgentAnswer AgentClient::status() { return ask("Status"); }
 
-AgentClient::Answer AgentClient::requestCalendarAccess() { return ask("RequestCalendarAccess"); }
+AgentAnswer AgentClient::requestCalendarAccess() { return ask("RequestCalendarAccess"); }
 
-AgentClient::Answer AgentClient::quit() { return ask("Quit"); }
+AgentAnswer AgentClient::openSettings(const SettingsRequest& request) {
+  return ask("OpenSettings", {request.tab ? static_cast<int>(*request.tab) : -1,
+                              QString::fromStdString(request.activation.text())});
+}
 
-AgentClient::Answer AgentClient::ask(const char* method) {
+AgentAnswer AgentClient::pressKey(const AgentObject::KeyPress& press) {
+  return ask("PressKey", {press.code, press.isFine, press.isRepeat});
+}
+
+AgentAnswer AgentClient::showVolume() { return ask("ShowVolume"); }
+
+AgentAnswer AgentClient::showBrightness() { return ask("ShowBrightness"); }
+
+AgentAnswer AgentClient::describeHousings() { return ask("DescribeHousings"); }
+
+AgentAnswer AgentClient::previewHousing(view::Size size) {
+  return ask("PreviewHousing", {size.width, size.height});
+}
+
+AgentAnswer AgentClient::quit() { return ask("Quit"); }
+
+AgentAnswer AgentClient::ask(const char* method, const QVariantList& arguments) {
   if (!bus_.waitUntilConnected(connectSeconds))
-    return {1, "Impossible de joindre valdrix : pas de bus de session."};
+    return {false, "Impossible de joindre valdrix : pas de bus de session."};
   const auto reply =
-      bus_.connection()->call(AgentNames::call(method), QDBus::Block, callMilliseconds);
-  if (reply.type() != QDBusMessage::ReplyMessage) return {1, explanation(QDBusError(reply))};
-  return {0, reply.arguments().value(0).toString().toStdString()};
+      bus_.connection()->call(AgentNames::call(method, arguments), QDBus::Block, callMilliseconds);
+  if (reply.type() != QDBusMessage::ReplyMessage) return {false, explanation(QDBusError(reply))};
+  return {true, reply.arguments().value(0).toString().toStdString()};
 }
 
 }  // namespace valdrix::desktop

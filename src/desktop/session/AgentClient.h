@@ -1,33 +1,43 @@
 #pragma once
 
-#include <string>
+#include <QVariantList>
 
+#include "desktop/session/AgentAnswer.h"
+#include "desktop/session/AgentObject.h"
 #include "desktop/session/SessionBus.h"
+#include "desktop/session/SettingsRequest.h"
+#include "view/Geometry.h"
 
 namespace valdrix::desktop {
 
-/// Speaks to the running agent on behalf of a command. Each call ends within two seconds or so.
+/// Speaks to the running agent on behalf of a command. Each call ends within two seconds or so; an
+/// agent that could not be asked has not done what it was asked, and the text says so in one line.
 class AgentClient {
  public:
-  struct Answer {
-    /// What the command ends with: 0, or 1 when no agent could be asked.
-    int exitCode;
-    /// What it prints, without a line end: the answer, or one line that says what is wrong.
-    std::string text;
-  };
-
   /// `bus` outlives this.
   explicit AgentClient(SessionBus& bus) : bus_(bus) {}
 
   /// The agent's observable state.
-  [[nodiscard]] Answer status();
+  [[nodiscard]] AgentAnswer status();
   /// Has the agent ask the user for access to the calendars, unless that is settled.
-  [[nodiscard]] Answer requestCalendarAccess();
+  [[nodiscard]] AgentAnswer requestCalendarAccess();
+  /// Opens the agent's settings window.
+  [[nodiscard]] AgentAnswer openSettings(const SettingsRequest& request);
+  /// Has the agent take a media key as if it had been pressed. Not done: it passed the key on.
+  [[nodiscard]] AgentAnswer pressKey(const AgentObject::KeyPress& press);
+  /// Has the agent show the indicator of the present level.
+  [[nodiscard]] AgentAnswer showVolume();
+  [[nodiscard]] AgentAnswer showBrightness();
+  /// What the agent knows of every screen and its camera housing.
+  [[nodiscard]] AgentAnswer describeHousings();
+  /// Has the agent show a housing of that size, in points, for as long as this process is on the
+  /// bus, or until another preview.
+  [[nodiscard]] AgentAnswer previewHousing(view::Size size);
   /// Asks the agent to end.
-  [[nodiscard]] Answer quit();
+  [[nodiscard]] AgentAnswer quit();
 
  private:
-  [[nodiscard]] Answer ask(const char* method);
+  [[nodiscard]] AgentAnswer ask(const char* method, const QVariantList& arguments = {});
 
   SessionBus& bus_;
 };

@@ -1,0 +1,127 @@
+#include "commands/Agent.h"
+
+#include <cstdio>
+#include <utility>
+
+#include <QCoreApplication>
+
+#include "commands/CalendarAccess.h"
+#include "commands/HousingReport.h"
+#include "commands/PressMediaKey.h"
+#include "commands/StatusReport.h"
+
+namespace valdrix::commands {
+
+namespace {
+
+using desktop::AgentAnswer;
+
+int fail(const char* message) {
+  std::fprintf(stderr, "valdrix : %s\n", message);
+  return 1;
+}
+
+AgentAnswer shown(NotchWindowController::Showing showing, const char* whenUnavailable) {
+  switch (showing) {
+    case NotchWindowController::Showing::unavailable:
+      return {false, whenUnavailable};
+    case NotchWindowController::Showing::switchedOff:
+      return {false, "Cet indicateur est désactivé dans les réglages."};
+    case NotchWindowController::Showing::expanded:
+      return {false, "Le panneau est déplié : il ne montre pas d'indicateur."};
+    case NotchWindowController::Showing::shown:
+      break;
+  }
+  return {true, {}};
+}
+
+}  // namespace
+
+int Agent::run(const desktop::SettingsRequest& settings, bool opensSettings) {
+  switch (instance_.claim(settings)) {
+    case desktop::SingleInstance::Claim::handedOver:
+      return 0;
+    case desktop::SingleInstance::Claim::unanswered:
+      return fail("valdrix tourne déjà, mais ne répond pas");
+    case desktop::SingleInstance::Claim::only:
+      break;
+  }
+  platform_ = desktop::DesktopPlatform::make(runLoop_, bus_);
+  if (!platform_) return fail("ce bureau n'est pas pris en charge");
+  app_.emplace(platform_->ports());
+  app_->didFinishLaunching();
+  if (opensSettings) openSettings(settings);
+  const int result = QCoreApplication::exec();
+  app_.reset();
+  platform_.reset();
+  return result;
+}
+
+template <class F>
+auto Agent::whenStarted(F answer) {
+  return [this, answer](const auto&... arguments) -> AgentAnswer {
+    if (!app_) return {false, "valdrix démarre ou s'arrête."};
+    return answer(app_->appDelegate(), arguments...);
+  };
+}
+
+desktop::AgentObject::Handlers Agent::handlers() {
+  return {
+      .status = whenStarted([this](AppDelegate& app) -> AgentAnswer {
+        return {true, statusReport(app, *platform_)};
+      }),
+      .requestCalendarAccess = whenStarted([this](AppDelegate& app) -> AgentAnswer {
+        return {true, requestCalendarAccess(app.calendarService(), platform_->ports().eventStore)};
+      }),
+      .openSettings = whenStarted([this](AppDelegate&, const desktop::SettingsRequest& request) {
+        openSettings(request);
+        return AgentAnswer{true, {}};
+      }),
+      .pressKey = whenStarted([this](AppDelegate&, const desktop::AgentObject::KeyPress& press) {
+        return pressKey(press);
+      }),
+      .showVolume = whenStarted([](AppDelegate& app) {
+        return shown(app.windowController().showVolume(), "Il n'y a pas de sortie audio.");
+      }),
+      .showBrightness = whenStarted([](AppDelegate& app) {
+        return shown(app.windowController().showBrightness(),
+                     "La luminosité de cet écran ne peut pas être réglée.");
+      }),
+      .describeHousings = whenStarted([this](AppDelegate&) -> AgentAnswer {
+        return {true, housingReport(*platform_)};
+      }),
+      .previewHousing = whenStarted(
+          [this](AppDelegate&, view::Size size) { return previewHousing(*platform_, size); }),
+      .endPreview =
+          [this] {
+            if (platform_) platform_->housings().setPreview(std::nullopt);
+          },
+      .quit =
+          [] {
+            QCoreApplication::quit();
+            return AgentAnswer{true, {}};
+          },
+  };
+}
+
+// A turn of the loop later, because whoever asked should not wait for a window to be made.
+void Agent::openSettings(const desktop::SettingsRequest& request) {
+  runLoop_.async([this, request] {
+    if (!platform_) return;
+    request.activation.during([&] { platform_->ports().sceneHost.openSettings(request.tab); });
+  });
+}
+
+AgentAnswer Agent::pressKey(const desktop::AgentObject::KeyPress& press) {
+  const auto key = mediaKeyWithCode(press.code);
+  if (!key) return {false, "Touche inconnue."};
+  auto& app = app_->appDelegate();
+  if (pressMediaKey(app.mediaKeyMonitor(),
+                    {.key = *key, .isFine = press.isFine, .isRepeat = press.isRepeat}))
+    return {true, {}};
+  return {false, isBrightnessKey(*key) && !app.canHandleBrightnessKeys()
+                     ? "La luminosité de cet écran ne peut pas être réglée."
+                     : "L'indicateur de cette touche est désactivé : valdrix ne la prend pas."};
+}
+
+}  // namespace valdrix::commands

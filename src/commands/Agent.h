@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/ValdrixApp.h"
+#include "desktop/DesktopPlatform.h"
+#include "desktop/session/AgentObject.h"
+#include "desktop/session/QtRunLoop.h"
+#include "desktop/session/SessionBus.h"
+#include "desktop/session/SettingsRequest.h"
+#include "desktop/session/SingleInstance.h"
+
+namespace valdrix::commands {
+
+/// Everything that lives as long as the agent does, in the order in which it is needed. Needs a
+/// QApplication; main thread only.
+class Agent {
+ public:
+  Agent() : object_(handlers()) {}
+
+  /// Runs until the application is told to quit, unless another agent runs, which opens its
+  /// settings then. `opensSettings`: this one begins with them open, too. The process's exit code.
+  [[nodiscard]] int run(const desktop::SettingsRequest& settings, bool opensSettings);
+
+ private:
+  [[nodiscard]] desktop::AgentObject::Handlers handlers();
+  /// What `answer` says, once the agent has started.
+  template <class F>
+  [[nodiscard]] auto whenStarted(F answer);
+  void openSettings(const desktop::SettingsRequest& request);
+  [[nodiscard]] desktop::AgentAnswer pressKey(const desktop::AgentObject::KeyPress& press);
+
+  desktop::QtRunLoop runLoop_;
+  desktop::SessionBus bus_{runLoop_};
+  std::unique_ptr<desktop::DesktopPlatform> platform_;
+  std::optional<ValdrixApp> app_;
+  desktop::AgentObject object_;
+  desktop::SingleInstance instance_{bus_, object_};
+};
+
+}  // namespace valdrix::commands
