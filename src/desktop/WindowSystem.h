@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 #include <QJsonObject>
+#include <QPoint>
 
 #include "observation/Token.h"
 #include "platform/Accessibility.h"
@@ -25,6 +28,14 @@ class WindowSystem {
   [[nodiscard]] virtual QJsonObject mediaKeys() const = 0;
   /// Pictures of panels drawn so far.
   [[nodiscard]] virtual std::uint64_t framesDrawn() const = 0;
+  /// Calls `block` when the user asks a panel for the menu, with the place in points from the top
+  /// left of the screens. Never where a panel cannot be asked.
+  virtual void setOnMenuRequested(std::function<void(QPoint)> /*block*/) {}
+  /// While the token lives panels stay as they are, whatever the pointer does: a menu is open.
+  [[nodiscard]] virtual Token holdPanels() { return {}; }
+  /// Whether the window system has a tray of its own, and a call whenever that changes.
+  [[nodiscard]] virtual bool hasTray() const { return false; }
+  [[nodiscard]] virtual Token observeTray(std::function<void()> /*block*/) { return {}; }
   /// The preferences may have changed: keys that would be passed on are given back.
   virtual void preferencesChanged() = 0;
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "desktop/WindowSystem.h"
 #include "desktop/x11/X11Accessibility.h"
@@ -24,6 +25,14 @@ class X11WindowSystem final : public WindowSystem {
   [[nodiscard]] QJsonObject backends() const override;
   [[nodiscard]] QJsonObject mediaKeys() const override;
   [[nodiscard]] std::uint64_t framesDrawn() const override;
+  void setOnMenuRequested(std::function<void(QPoint)> block) override {
+    desktop_.onMenuRequested = std::move(block);
+  }
+  [[nodiscard]] Token holdPanels() override { return desktop_.pointer.holdMotion(); }
+  [[nodiscard]] bool hasTray() const override { return desktop_.tray.isActive(); }
+  [[nodiscard]] Token observeTray(std::function<void()> block) override {
+    return desktop_.tray.observeChanges(std::move(block));
+  }
   void preferencesChanged() override { eventTaps_.reconsider(); }
 
   [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }

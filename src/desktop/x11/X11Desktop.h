@@ -1,9 +1,13 @@
 #pragma once
 
+#include <functional>
+
+#include <QPoint>
+
 #include "desktop/screens/CameraHousings.h"
-#include "desktop/x11/X11Compositing.h"
 #include "desktop/x11/X11Connection.h"
 #include "desktop/x11/X11Cursor.h"
+#include "desktop/x11/X11Manager.h"
 #include "desktop/x11/X11PanelWindows.h"
 #include "desktop/x11/X11Pointer.h"
 #include "desktop/x11/X11Screens.h"
@@ -18,15 +22,19 @@ struct X11Desktop {
   X11Desktop(const QtTextMetrics& textMetrics, CameraHousings& housings)
       : screens(housings),
         panelWindows(
-            {connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn}) {}
+            {connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn,
+             onMenuRequested}) {}
 
   X11Connection connection;
   X11Screens screens;
   X11Pointer pointer{connection};
   X11Cursor cursor{connection};
-  X11Compositing compositing{connection};
+  X11Manager compositing{connection, X11Manager::compositing};
+  X11Manager tray{connection, X11Manager::tray};
   /// Frames that all panels together have painted.
   std::uint64_t framesDrawn = 0;
+  /// What a panel calls that is asked for the menu.
+  std::function<void(QPoint)> onMenuRequested;
   X11PanelWindows panelWindows;
 };
 

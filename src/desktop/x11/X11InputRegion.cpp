@@ -184,9 +184,17 @@ void X11InputRegion::button(const xcb_button_press_event_t& event, bool isPresse
   const QPoint position(event.root_x, event.root_y);
   const auto isAlive = lifetime_.weak([] { return true; });
   movedTo(position, event.state);
-  if (!isAlive()) return;
-  if (event.detail == XCB_BUTTON_INDEX_1 && !ignoresMouseEvents_)
-    handlers_.pressed(position, isPressed);
+  if (!isAlive() || ignoresMouseEvents_) return;
+  if (event.detail == XCB_BUTTON_INDEX_1) handlers_.pressed(position, isPressed);
+  if (event.detail == XCB_BUTTON_INDEX_3 && isPressed) requestMenu(event);
+}
+
+// The press has given us the pointer until its release, and nobody else could have it.
+void X11InputRegion::requestMenu(const xcb_button_press_event_t& event) {
+  xcb_ungrab_pointer(connection_.get(), event.time);
+  // The menu asks on another connection: the server must have answered here before.
+  (void)pointer_.query();
+  handlers_.menuRequested({event.root_x, event.root_y});
 }
 
 void X11InputRegion::movedTo(QPoint position, std::uint16_t state) {

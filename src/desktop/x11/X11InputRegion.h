@@ -28,6 +28,8 @@ class X11InputRegion {
     std::function<void(QPoint position, bool isInside)> moved;
     /// The main button went down or up there.
     std::function<void(QPoint position, bool isPressed)> pressed;
+    /// The secondary button went down there. The pointer is free for a menu to take.
+    std::function<void(QPoint position)> menuRequested;
   };
 
   /// `connection` and `pointer` must outlive it.
@@ -56,6 +58,7 @@ class X11InputRegion {
   void entered(const xcb_enter_notify_event_t& event);
   void left(const xcb_leave_notify_event_t& event);
   void button(const xcb_button_press_event_t& event, bool isPressed);
+  void requestMenu(const xcb_button_press_event_t& event);
   void movedTo(QPoint position, std::uint16_t state);
   void report(const X11Pointer::Place& place, X11Pointer::Destination destination);
   void movedElsewhere(const X11Pointer::Place& place);

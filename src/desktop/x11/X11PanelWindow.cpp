@@ -11,8 +11,8 @@
 #include <xcb/shape.h>
 
 #include "desktop/ui/QtCanvas.h"
-#include "desktop/x11/X11Compositing.h"
 #include "desktop/x11/X11Cursor.h"
+#include "desktop/x11/X11Manager.h"
 #include "desktop/x11/X11Screens.h"
 #include "view/HostingView.h"
 
@@ -71,7 +71,8 @@ X11PanelWindow::X11PanelWindow(const X11PanelServices& services, const view::Rec
       inputRegion_(
           services.connection, services.pointer,
           {[this](QPoint position, bool isInside) { pointerMoved(position, isInside); },
-           [this](QPoint position, bool isPressed) { pointerPressed(position, isPressed); }}),
+           [this](QPoint position, bool isPressed) { pointerPressed(position, isPressed); },
+           [this](QPoint position) { requestMenu(position); }}),
       stackingGuard_(services.connection, [this] { raise(); }) {
   if (!services_.connection.isUsable()) return;
   create(configuration);
@@ -337,6 +338,12 @@ void X11PanelWindow::pointerPressed(QPoint position, bool isPressed) {
     content_->pointerPressed(toContent(position));
   else
     content_->pointerReleased(toContent(position));
+}
+
+void X11PanelWindow::requestMenu(QPoint position) {
+  if (!services_.onMenuRequested) return;
+  const QPoint origin = screen_.device.topLeft();
+  services_.onMenuRequested(origin + (position - origin) / screen_.scale);
 }
 
 void X11PanelWindow::leaveContent() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include <QImage>
 #include <QRect>
@@ -15,8 +16,8 @@
 namespace valdrix::desktop {
 
 class QtTextMetrics;
-class X11Compositing;
 class X11Cursor;
+class X11Manager;
 class X11Screens;
 
 /// What the panels of one X server share.
@@ -25,10 +26,13 @@ struct X11PanelServices {
   X11Pointer& pointer;
   X11Cursor& cursor;
   X11Screens& screens;
-  X11Compositing& compositing;
+  X11Manager& compositing;
   const QtTextMetrics& textMetrics;
   /// Frames that all panels together have painted.
   std::uint64_t& framesDrawn;
+  /// Called with the place when somebody asks for the menu there: points from the top left of the
+  /// screens, as Qt has them.
+  const std::function<void(QPoint)>& onMenuRequested;
 };
 
 /// A panel on an X server: an override-redirect window with an alpha channel, which no window
@@ -67,6 +71,7 @@ class X11PanelWindow final : public platform::PanelWindow {
   void handle(const xcb_generic_event_t& event);
   void pointerMoved(QPoint position, bool isInside);
   void pointerPressed(QPoint position, bool isPressed);
+  void requestMenu(QPoint position);
   void leaveContent();
   void updateCursor();
   [[nodiscard]] view::Point toContent(QPoint position) const;

@@ -91,6 +91,14 @@ Token X11Pointer::watchMotion() {
   }));
 }
 
+Token X11Pointer::holdMotion() {
+  ++holders_;
+  return Token(lifetime_.weak([this] {
+    if (--holders_ > 0) return;
+    if (const auto place = query()) motionListeners_.notify(*place);
+  }));
+}
+
 void X11Pointer::selectRawEvents() {
   if (!xinputOpcode_ || !connection_.isUsable()) return;
   isSelectingMotion_ = heldButtons_ > 0 || watchers_ > 0;
@@ -134,7 +142,7 @@ void X11Pointer::handleBatch() {
     heldButtons_ = 0;
     selectRawEvents();
   }
-  motionListeners_.notify(*place);
+  if (holders_ == 0) motionListeners_.notify(*place);
 }
 
 }  // namespace valdrix::desktop

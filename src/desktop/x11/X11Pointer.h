@@ -44,6 +44,8 @@ class X11Pointer final : public platform::Pointer {
   /// `watchMotion` token lives. Never without the XInput extension.
   [[nodiscard]] Token addMotionListener(std::function<void(const Place&)> block);
   [[nodiscard]] Token watchMotion();
+  /// While the token lives, motion elsewhere is not reported; what has been missed is, afterwards.
+  [[nodiscard]] Token holdMotion();
 
  private:
   void selectRawEvents();
@@ -58,6 +60,7 @@ class X11Pointer final : public platform::Pointer {
   std::uint8_t xinputOpcode_ = 0;
   int heldButtons_ = 0;
   int watchers_ = 0;
+  int holders_ = 0;
   bool isSelectingMotion_ = false;
   bool hasMoved_ = false;
   Token eventHandler_;

@@ -1,4 +1,4 @@
-#include "desktop/x11/X11Compositing.h"
+#include "desktop/x11/X11Manager.h"
 
 #include <string>
 
@@ -6,16 +6,16 @@
 
 namespace valdrix::desktop {
 
-X11Compositing::X11Compositing(X11Connection& connection) : connection_(connection) {
+X11Manager::X11Manager(X11Connection& connection, std::string_view kind) : connection_(connection) {
   if (!connection_.isUsable()) return;
-  selection_ = connection_.atom("_NET_WM_CM_S" + std::to_string(connection_.screenNumber()));
+  selection_ = connection_.atom(std::string(kind) + std::to_string(connection_.screenNumber()));
   watch();
   const auto owner = connection_.reply(xcb_get_selection_owner_reply,
                                        xcb_get_selection_owner(connection_.get(), selection_));
   isActive_ = owner && owner->owner != XCB_WINDOW_NONE;
 }
 
-void X11Compositing::watch() {
+void X11Manager::watch() {
   const auto* xfixes = xcb_get_extension_data(connection_.get(), &xcb_xfixes_id);
   if (!xfixes || !xfixes->present) return;
   // The server answers XFixes requests only to those who have said which version they speak.
@@ -34,13 +34,13 @@ void X11Compositing::watch() {
   });
 }
 
-void X11Compositing::setActive(bool isActive) {
+void X11Manager::setActive(bool isActive) {
   if (isActive == isActive_) return;
   isActive_ = isActive;
   observers_.notify();
 }
 
-Token X11Compositing::observeChanges(std::function<void()> block) {
+Token X11Manager::observeChanges(std::function<void()> block) {
   return observers_.add(std::move(block));
 }
 

@@ -1,18 +1,24 @@
 #pragma once
 
 #include <functional>
+#include <string_view>
 
 #include "desktop/x11/X11Connection.h"
 #include "observation/Listeners.h"
 
 namespace valdrix::desktop {
 
-/// Whether a compositing manager blends windows with what lies below them. Without the XFixes
-/// extension the answer is that of the start.
-class X11Compositing {
+/// Whether some client is the screen's manager of one kind, which it says by owning a selection.
+/// Without the XFixes extension the answer is that of the start.
+class X11Manager {
  public:
+  /// A selection's name without the screen's number. Blends windows with what lies below them.
+  static constexpr std::string_view compositing = "_NET_WM_CM_S";
+  /// Shows other programs' icons.
+  static constexpr std::string_view tray = "_NET_SYSTEM_TRAY_S";
+
   /// `connection` must outlive it.
-  explicit X11Compositing(X11Connection& connection);
+  X11Manager(X11Connection& connection, std::string_view kind);
 
   [[nodiscard]] bool isActive() const { return isActive_; }
   [[nodiscard]] Token observeChanges(std::function<void()> block);
