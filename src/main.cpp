@@ -1,12 +1,13 @@
+// The program that people call: speaks to the running agent, or becomes the agent.
+
 #include <cstdio>
-#include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "commands/AgentCommands.h"
+#include "commands/AgentProgram.h"
 #include "commands/CommandLine.h"
-#include "commands/RunCommand.h"
-#include "commands/SimulateCommand.h"
 
 namespace {
 
@@ -17,8 +18,9 @@ struct Execute {
   int& argc;
   char** argv;
 
-  int operator()(const Run&) const { return runAgent(std::nullopt, argc, argv); }
-  int operator()(const OpenSettings& command) const { return runAgent(command, argc, argv); }
+  int operator()(const Run&) const { return becomeAgent(argv); }
+  int operator()(const OpenSettings&) const { return becomeAgent(argv); }
+  int operator()(const Simulate&) const { return becomeAgent(argv); }
   int operator()(const PressKey& command) const { return pressKey(command, argc, argv); }
   int operator()(const ShowLevel& command) const { return showLevel(command, argc, argv); }
   int operator()(const DescribeHousings&) const { return describeHousings(argc, argv); }
@@ -28,7 +30,6 @@ struct Execute {
   int operator()(const Status&) const { return printStatus(argc, argv); }
   int operator()(const Access&) const { return requestCalendarAccess(argc, argv); }
   int operator()(const Quit&) const { return quitAgent(argc, argv); }
-  int operator()(const Simulate& command) const { return simulateScenario(command, argc, argv); }
   int operator()(const ShowVersion&) const {
     std::printf("valdrix %s (build %s)\n", VALDRIX_VERSION, VALDRIX_BUILD_NUMBER);
     return 0;

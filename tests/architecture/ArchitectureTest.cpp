@@ -60,7 +60,7 @@ const std::vector<Room>& rooms() {
         "desktop/input", "desktop/workspace", "desktop/vdir", "desktop/calendarserver",
         "desktop/net", "desktop/privacy"},
        {"system", "Qt"}},
-      {"commands", {"app", "sim", "desktop"}, {"Qt"}},
+      {"commands", {"app", "sim", "desktop"}, {"system", "Qt"}},
       {"main", {"commands"}, {}},
   };
   return theRooms;
