@@ -93,6 +93,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
                              return findEvent(eventStore_, userCalendar_, identifier);
                            }}),
       urlSession_(makeUrlSession(runLoop)),
+      sceneHost_(bus),
       housings_(CameraHousings::Sources::fromEnvironment()),
       housingsWatch_(housings_.userFile(), [this] { housings_.reread(); }),
       windowSystem_(

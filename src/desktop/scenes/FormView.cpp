@@ -1,0 +1,107 @@
+#include "desktop/scenes/FormView.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include <QAccessibleWidget>
+#include <QApplication>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include "desktop/scenes/FormSectionView.h"
+#include "desktop/scenes/FormStyle.h"
+#include "desktop/scenes/ValueSlider.h"
+
+namespace valdrix::desktop {
+
+namespace {
+
+constexpr int sectionGap = 20;
+constexpr int smallestMargin = 4;
+
+QAccessibleInterface* accessibleFor(const QString&, QObject* object) {
+  if (auto* const slider = dynamic_cast<ValueSlider*>(object))
+    return new ValueSliderAccessible(*slider);
+  if (auto* const group = dynamic_cast<RowGroup*>(object))
+    return new QAccessibleWidget(group, QAccessible::Grouping);
+  return nullptr;
+}
+
+}  // namespace
+
+FormView::FormView(std::function<void()> didEdit, QWidget* parent)
+    : QScrollArea(parent), didEdit_(std::move(didEdit)) {
+  static const bool isInstalled = (QAccessible::installFactory(accessibleFor), true);
+  Q_UNUSED(isInstalled);
+  setFrameShape(QFrame::NoFrame);
+  setWidgetResizable(true);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  // The controls have the focus; the keys that they don't use scroll.
+  setFocusPolicy(Qt::NoFocus);
+  auto* const content = new QWidget;
+  sections_ = new QVBoxLayout(content);
+  sections_->setSpacing(sectionGap);
+  sections_->addStretch(1);
+  setWidget(content);
+  content->setAutoFillBackground(false);
+  viewport()->setAutoFillBackground(false);
+  keepGroupsInPlace();
+}
+
+void FormView::show(const view::Form& form) {
+  const auto before = controls();
+  const auto focused = std::ranges::find(before, focusWidget()) - before.begin();
+  const bool hadFocus = std::cmp_less(focused, before.size());
+  if (update(form)) orderFocus();
+  const auto after = controls();
+  if (hadFocus && !after.empty() && std::ranges::find(after, focusWidget()) == after.end())
+    after[std::min(static_cast<std::size_t>(focused), after.size() - 1)]->setFocus();
+}
+
+bool FormView::update(const view::Form& form) {
+  bool isNew = views_.size() != form.sections.size();
+  while (views_.size() > form.sections.size()) {
+    delete views_.back();
+    views_.pop_back();
+  }
+  for (std::size_t i = 0; i < form.sections.size(); ++i) {
+    if (i == views_.size()) {
+      views_.push_back(new FormSectionView(didEdit_));
+      sections_->insertWidget(static_cast<int>(i), views_.back());
+      views_.back()->setVisible(true);
+    }
+    isNew = views_[i]->show(form.sections[i]) || isNew;
+  }
+  return isNew;
+}
+
+std::vector<QWidget*> FormView::controls() const {
+  std::vector<QWidget*> all;
+  for (const auto* section : views_)
+    std::ranges::copy(section->controls(), std::back_inserter(all));
+  return all;
+}
+
+void FormView::orderFocus() {
+  QWidget* last = nullptr;
+  for (auto* const control : controls()) {
+    if (last) setTabOrder(last, control);
+    last = control;
+  }
+}
+
+void FormView::resizeEvent(QResizeEvent* event) {
+  QScrollArea::resizeEvent(event);
+  keepGroupsInPlace();
+}
+
+// The scroll bar comes out of the margin, so that nothing moves when it comes or goes.
+void FormView::keepGroupsInPlace() {
+  constexpr int margin = formStyle::windowMargin;
+  const int scrollBar = width() - viewport()->width();
+  sections_->setContentsMargins(margin, margin, std::max(margin - scrollBar, smallestMargin),
+                                margin);
+}
+
+}  // namespace valdrix::desktop

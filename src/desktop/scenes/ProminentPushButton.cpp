@@ -1,0 +1,64 @@
+#include "desktop/scenes/ProminentPushButton.h"
+
+#include <QPainter>
+
+#include "desktop/scenes/FormStyle.h"
+#include "desktop/ui/SymbolIcon.h"
+
+namespace valdrix::desktop {
+
+namespace {
+
+constexpr int ringGap = 3;
+constexpr int padding = 14;
+constexpr int bodyHeight = 30;
+constexpr int symbolSize = 16;
+constexpr int symbolGap = 7;
+constexpr double radius = 7;
+
+}  // namespace
+
+ProminentPushButton::ProminentPushButton(QWidget* parent) : QPushButton(parent) {
+  setAttribute(Qt::WA_Hover);
+  setAutoDefault(true);
+}
+
+void ProminentPushButton::setLabel(const std::string& symbol, const std::string& title) {
+  symbol_ = symbol;
+  setAccessibleName(QString::fromStdString(title));
+  setText(accessibleName().replace('&', "&&"));
+  updateGeometry();
+  update();
+}
+
+QSize ProminentPushButton::sizeHint() const {
+  const int text = fontMetrics().horizontalAdvance(accessibleName());
+  const int body = std::max(bodyHeight, fontMetrics().height() + 2 * symbolGap);
+  return {text + symbolSize + symbolGap + 2 * (padding + ringGap), body + 2 * ringGap};
+}
+
+void ProminentPushButton::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const QColor accent = palette().color(QPalette::Highlight);
+  const QColor ink = palette().color(QPalette::HighlightedText);
+  constexpr int pressedFactor = 118;
+  constexpr int hoveredFactor = 108;
+  const QRectF body = QRectF(rect()).adjusted(ringGap, ringGap, -ringGap, -ringGap);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(isDown()       ? accent.darker(pressedFactor)
+                   : underMouse() ? accent.lighter(hoveredFactor)
+                                  : accent);
+  painter.drawRoundedRect(body, radius, radius);
+  const double text = fontMetrics().horizontalAdvance(accessibleName());
+  const double left = body.center().x() - (symbolSize + symbolGap + text) / 2;
+  paintSymbol(painter, symbol_,
+              QRectF(left, body.center().y() - symbolSize / 2.0, symbolSize, symbolSize), ink);
+  painter.setPen(ink);
+  painter.drawText(body.adjusted(left - body.left() + symbolSize + symbolGap, 0, 0, 0),
+                   Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, accessibleName());
+  if (formStyle::showsFocus(*this))
+    formStyle::paintFocusRing(painter, palette(), rect(), radius + ringGap);
+}
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include <QPushButton>
+
+namespace valdrix::desktop {
+
+/// A push button filled with the accent colour, with a symbol before its title.
+class ProminentPushButton final : public QPushButton {
+ public:
+  explicit ProminentPushButton(QWidget* parent = nullptr);
+
+  void setLabel(const std::string& symbol, const std::string& title);
+
+  [[nodiscard]] QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  std::string symbol_;
+};
+
+}  // namespace valdrix::desktop

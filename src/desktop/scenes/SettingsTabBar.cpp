@@ -1,0 +1,88 @@
+#include "desktop/scenes/SettingsTabBar.h"
+
+#include <algorithm>
+
+#include <QEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include "desktop/scenes/FormStyle.h"
+#include "desktop/ui/SymbolIcon.h"
+
+namespace valdrix::desktop {
+
+namespace {
+
+constexpr int symbolSize = 24;
+constexpr int symbolGap = 3;
+constexpr int padding = 6;
+constexpr int sidePadding = 12;
+constexpr int smallestWidth = 76;
+constexpr int gapBetween = 4;
+constexpr double radius = 7;
+
+}  // namespace
+
+SettingsTabBar::SettingsTabBar(const std::vector<view::Tab>& tabs, QWidget* parent)
+    : QTabBar(parent) {
+  setDrawBase(false);
+  setExpanding(false);
+  setUsesScrollButtons(false);
+  setElideMode(Qt::ElideNone);
+  setFocusPolicy(Qt::StrongFocus);
+  setAttribute(Qt::WA_Hover);
+  setFont(formStyle::font(formStyle::calloutFactor));
+  for (const auto& tab : tabs) {
+    symbols_.push_back(tab.symbol);
+    labels_.push_back(QString::fromStdString(tab.label));
+    addTab(QString(labels_.back()).replace('&', "&&"));
+  }
+}
+
+QSize SettingsTabBar::tabSizeHint(int index) const {
+  const auto& label = labels_[static_cast<std::size_t>(index)];
+  const int width = fontMetrics().horizontalAdvance(label) + 2 * sidePadding;
+  return {std::max(width, smallestWidth) + gapBetween,
+          symbolSize + symbolGap + fontMetrics().height() + 2 * padding};
+}
+
+void SettingsTabBar::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::ApplicationFontChange)
+    setFont(formStyle::font(formStyle::calloutFactor));
+  QTabBar::changeEvent(event);
+}
+
+void SettingsTabBar::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  for (int i = 0; i < count(); ++i) paintTab(painter, i);
+}
+
+void SettingsTabBar::paintTab(QPainter& painter, int index) const {
+  const QPalette& colors = palette();
+  const bool isSelected = index == currentIndex();
+  const QRectF tab = QRectF(tabRect(index)).adjusted(gapBetween / 2.0, 0, -gapBetween / 2.0, 0);
+  const bool isHovered = underMouse() && tab.contains(mapFromGlobal(QCursor::pos()));
+  if (isSelected || isHovered) {
+    QColor fill = formStyle::controlFill(colors, false);
+    if (!isSelected) fill.setAlphaF(0.5F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawRoundedRect(tab, radius, radius);
+  }
+  const QColor ink = isSelected ? formStyle::accentInk(colors) : formStyle::dimmedText(colors);
+  const QRectF symbol(tab.center().x() - symbolSize / 2.0, tab.top() + padding, symbolSize,
+                      symbolSize);
+  const auto place = static_cast<std::size_t>(index);
+  paintSymbol(painter, symbols_[place], symbol, ink);
+  painter.setPen(ink);
+  painter.drawText(tab.adjusted(0, padding + symbolSize + symbolGap, 0, 0),
+                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine, labels_[place]);
+  if (isSelected && formStyle::showsFocus(*this))
+    formStyle::paintFocusRing(painter, colors, tab, radius);
+}
+
+// Another tab is too much for a turn of the wheel.
+void SettingsTabBar::wheelEvent(QWheelEvent* event) { event->ignore(); }
+
+}  // namespace valdrix::desktop
