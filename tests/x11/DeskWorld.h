@@ -50,12 +50,22 @@ class DeskWorld {
     bool operator==(const Monitor&) const = default;
   };
   virtual void setMonitors(const std::vector<Monitor>& monitors) = 0;
+  /// What the desktop calls the monitor of that name.
+  virtual std::string nameOf(const std::string& monitor) { return monitor; }
+
+  /// Whether programs are told of the pointer only while it is over their windows, and of no drag
+  /// that began in another's.
+  [[nodiscard]] virtual bool hearsOnlyOfItsOwnWindows() const { return false; }
+  /// Whether it looks at what a window takes only when the pointer moves, so that clicks go where
+  /// they went until then.
+  [[nodiscard]] virtual bool noticesRegionsOnlyOnMotion() const { return false; }
 };
 
-/// What there is, under its name: "simulated", "x11", "x11WithCompositor", "x11WithWindowManager".
+// What the desktops of one test program are.
 [[nodiscard]] std::unique_ptr<DeskWorld> makeDeskWorld(const std::string& name);
-inline const auto allDeskWorlds =
-    testing::Values("simulated", "x11", "x11WithCompositor", "x11WithWindowManager");
+/// Those for panels and pointer, and those whose monitors can be changed.
+[[nodiscard]] std::vector<std::string> deskWorldNames();
+[[nodiscard]] std::vector<std::string> screenWorldNames();
 [[nodiscard]] inline std::string deskWorldName(const testing::TestParamInfo<std::string>& info) {
   return info.param;
 }

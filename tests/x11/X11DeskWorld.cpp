@@ -188,6 +188,11 @@ void X11DeskWorld::removeMonitors() {
   });
 }
 
+std::vector<std::string> deskWorldNames() {
+  return {"simulated", "x11", "x11WithCompositor", "x11WithWindowManager"};
+}
+std::vector<std::string> screenWorldNames() { return {"simulated", "x11"}; }
+
 std::unique_ptr<DeskWorld> makeDeskWorld(const std::string& name) {
   using Company = X11DeskWorld::Company;
   if (name == "simulated") return std::make_unique<SimulatedDeskWorld>();

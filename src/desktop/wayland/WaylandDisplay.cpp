@@ -1,0 +1,27 @@
+#include "desktop/wayland/WaylandDisplay.h"
+
+#include <set>
+
+#include "desktop/wayland/WaylandHandles.h"
+
+namespace valdrix::desktop {
+
+std::string whyNoWaylandPanel() {
+  const WaylandOwned<wl_display> display(wl_display_connect(nullptr));
+  if (!display) return "no compositor answers";
+  using Offers = std::set<std::string>;
+  static constexpr wl_registry_listener listener{
+      .global = [](void* data, wl_registry*, std::uint32_t, const char* interface,
+                   std::uint32_t) { static_cast<Offers*>(data)->insert(interface); },
+      .global_remove = [](void*, wl_registry*, std::uint32_t) {},
+  };
+  Offers offers;
+  const WaylandOwned<wl_registry> registry(wl_display_get_registry(display.get()));
+  wl_registry_add_listener(registry.get(), &listener, &offers);
+  if (wl_display_roundtrip(display.get()) < 0) return "the compositor does not answer";
+  if (!offers.contains(zwlr_layer_shell_v1_interface.name))
+    return "the compositor has no layer shell";
+  return {};
+}
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+
+#include <QRect>
+
+#include "desktop/wayland/WaylandBuffers.h"
+#include "desktop/wayland/WaylandConnection.h"
+#include "desktop/wayland/WaylandScreens.h"
+
+namespace valdrix::desktop {
+
+/// A surface in front of everything on one output, at a place of its own. It can be drawn on from
+/// when it is configured.
+class WaylandLayerSurface {
+ public:
+  struct Handlers {
+    /// It can be drawn on, or wants to be told anew what it shows.
+    std::function<void()> configured;
+    /// The next picture may be drawn: the compositor has shown the one before.
+    std::function<void()> frameShown;
+    /// Pictures are to be drawn at another scale.
+    std::function<void()> scaleChanged;
+    /// The compositor has taken it away.
+    std::function<void()> closed;
+  };
+
+  /// `frame` is in logical pixels from the output's top left, and may reach beyond the output.
+  /// `connection` must outlive it.
+  WaylandLayerSurface(WaylandConnection& connection, const WaylandScreens::Place& place,
+                      const QRect& frame, bool takesKeyboard, Handlers handlers);
+  WaylandLayerSurface(const WaylandLayerSurface&) = delete;
+  WaylandLayerSurface& operator=(const WaylandLayerSurface&) = delete;
+
+  [[nodiscard]] wl_surface* get() const { return surface_.get(); }
+  [[nodiscard]] bool isConfigured() const { return isConfigured_; }
+  /// A picture has been handed over that the compositor has not shown yet.
+  [[nodiscard]] bool awaitsFrame() const { return static_cast<bool>(frameCallback_); }
+
+  /// Device pixels per logical one of its pictures.
+  [[nodiscard]] double scale() const { return scale_; }
+  /// The size of its pictures.
+  [[nodiscard]] QSize pictureSize() const;
+
+  // What follows takes effect with `commit`.
+  void attach(WaylandBuffers::Buffer& buffer, const QRect& damage);
+  /// `frameShown` is to be called.
+  void requestFrame();
+  void commit();
+
+ private:
+  static const zwlr_layer_surface_v1_listener layerListener;
+
+  void followFractionalScale();
+  void setPreferredScale(double scale);
+  void configure(std::uint32_t serial);
+  void frameDone();
+
+  WaylandConnection& connection_;
+  Handlers handlers_;
+  QSize size_;
+  double scale_;
+  bool isConfigured_ = false;
+  WaylandOwned<wl_surface> surface_;
+  WaylandOwned<zwlr_layer_surface_v1> layerSurface_;
+  WaylandOwned<wp_viewport> viewport_;
+  WaylandOwned<wp_fractional_scale_v1> fractionalScale_;
+  WaylandOwned<wl_callback> frameCallback_;
+};
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,282 @@
+#include "desktop/wayland/WaylandPanelWindow.h"
+
+#include <cmath>
+#include <utility>
+
+#include <QPainter>
+
+#include "desktop/ui/QtCanvas.h"
+#include "view/HostingView.h"
+
+namespace valdrix::desktop {
+
+namespace {
+
+// The smallest rectangle of whole pixels around `points`.
+QRect coveredPixels(const view::Rect& points, double scale) {
+  return QRectF(points.x * scale, points.y * scale, points.width * scale, points.height * scale)
+      .toAlignedRect();
+}
+
+view::Rect asPoints(const QRect& pixels, double scale) {
+  return {pixels.x() / scale, pixels.y() / scale, pixels.width() / scale, pixels.height() / scale};
+}
+
+// All pixels whose top left corner lies in the rectangle or on one of its edges.
+QRect pixelsInside(const view::Rect& rectangle) {
+  if (rectangle.isEmpty()) return {};
+  constexpr double tolerance = 1e-6;
+  const auto first = [](double edge) { return static_cast<int>(std::ceil(edge - tolerance)); };
+  const auto last = [](double edge) { return static_cast<int>(std::floor(edge + tolerance)); };
+  return {QPoint(first(rectangle.minX()), first(rectangle.minY())),
+          QPoint(last(rectangle.maxX()), last(rectangle.maxY()))};
+}
+
+}  // namespace
+
+WaylandPanelWindow::WaylandPanelWindow(const WaylandPanelServices& services,
+                                       const view::Rect& contentRectangle,
+                                       const platform::PanelConfiguration& configuration)
+    : services_(services),
+      contentRectangle_(contentRectangle),
+      takesKeyboard_(configuration.canBecomeKey),
+      trackedRectangle_{0, 0, contentRectangle.width, contentRectangle.height},
+      inputRegion_(services.connection, services.pointer, inputHandlers()),
+      buffers_(services.connection.shm(), [this] {
+        if (wantsFrame_) requestFrame();
+      }) {
+  inputRegion_.setIgnoresMouseEvents(configuration.ignoresMouseEvents);
+  place();
+  screensObserver_ = services_.screens.observeChanges([this] { place(); });
+}
+
+WaylandPanelWindow::~WaylandPanelWindow() {
+  setContentView(nullptr);
+  endSurface();
+}
+
+WaylandInputRegion::Handlers WaylandPanelWindow::inputHandlers() {
+  return {
+      .moved = [this](std::optional<QPointF> position,
+                      bool isInside) { pointerMoved(position, isInside); },
+      .pressed = [this](bool isPressed) { pointerPressed(isPressed); },
+      .changed =
+          [this] {
+            if (isMapped_) commit();
+          },
+      .locate = [this](QPointF position) { return toScreen(position); },
+      .locateElsewhere =
+          [this](QPointF last) {
+            return view::Point{toScreen(last).x, place_ ? place_->frame.minY() : 0};
+          },
+  };
+}
+
+// Finds the window's place on the outputs as they are now.
+void WaylandPanelWindow::place() {
+  auto found = services_.screens.placeFor(contentRectangle_);
+  if (found == place_ && (surface_ || !isShown_)) return;
+  endSurface();
+  place_ = std::move(found);
+  if (!place_) return;
+  const auto& screen = place_->frame;
+  frame_ = {static_cast<int>(std::lround(contentRectangle_.minX() - screen.minX())),
+            static_cast<int>(std::lround(screen.maxY() - contentRectangle_.maxY())),
+            static_cast<int>(std::lround(contentRectangle_.width)),
+            static_cast<int>(std::lround(contentRectangle_.height))};
+  applyTrackedRectangle();
+  if (isShown_) makeSurface();
+}
+
+void WaylandPanelWindow::makeSurface() {
+  if (!services_.connection.isUsable() || !place_ || frame_.isEmpty()) return;
+  surface_ = std::make_unique<WaylandLayerSurface>(
+      services_.connection, *place_, frame_, takesKeyboard_,
+      WaylandLayerSurface::Handlers{.configured = [this] { drawFrame(); },
+                                    .frameShown = [this] { frameShown(); },
+                                    .scaleChanged = [this] { rescale(); },
+                                    .closed = [this] { endSurface(); }});
+  seatsTarget_ = services_.seats.attach(surface_->get(), inputRegion_,
+                                        static_cast<int>(std::ceil(surface_->scale())));
+  rescale();
+  inputRegion_.show();
+  // The compositor answers with the surface's configuration.
+  surface_->commit();
+}
+
+void WaylandPanelWindow::endSurface() {
+  leaveContent();
+  inputRegion_.hide();
+  seatsTarget_.reset();
+  surface_.reset();
+  buffers_.clear();
+  isMapped_ = false;
+  wantsFrame_ = false;
+}
+
+void WaylandPanelWindow::rescale() {
+  buffers_.setSize(surface_->pictureSize());
+  inked_ = {};
+  needsFullPaint_ = true;
+  if (content_) content_->setScale(surface_->scale());
+  if (isMapped_) requestFrame();
+}
+
+void WaylandPanelWindow::setContentView(view::HostingView* content) {
+  leaveContent();
+  if (content_) content_->setOnNeedsFrame({});
+  content_ = content;
+  needsFullPaint_ = true;
+  if (!content_) return;
+  if (surface_) content_->setScale(surface_->scale());
+  content_->setOnNeedsFrame([this] { requestFrame(); });
+  requestFrame();
+}
+
+void WaylandPanelWindow::orderFrontRegardless() {
+  isShown_ = true;
+  if (!surface_) makeSurface();
+}
+
+void WaylandPanelWindow::orderOut() {
+  isShown_ = false;
+  endSurface();
+}
+
+bool WaylandPanelWindow::ignoresMouseEvents() const { return inputRegion_.ignoresMouseEvents(); }
+
+void WaylandPanelWindow::setIgnoresMouseEvents(bool ignores) {
+  if (ignores) leaveContent();
+  inputRegion_.setIgnoresMouseEvents(ignores);
+}
+
+void WaylandPanelWindow::setTrackedRectangle(const view::Rect& rectangle) {
+  trackedRectangle_ = rectangle;
+  applyTrackedRectangle();
+}
+
+void WaylandPanelWindow::applyTrackedRectangle() {
+  if (!place_) return;
+  const auto origin = toContent({0, 0});
+  const QRect pixels = pixelsInside({trackedRectangle_.x - origin.x, trackedRectangle_.y - origin.y,
+                                     trackedRectangle_.width, trackedRectangle_.height});
+  inputRegion_.setRectangle(pixels.intersected(QRect(QPoint(), frame_.size())));
+}
+
+// At the loop's next turn, or when the frame before has been shown.
+void WaylandPanelWindow::requestFrame() {
+  wantsFrame_ = true;
+  if (!surface_ || !surface_->isConfigured() || surface_->awaitsFrame()) return;
+  if (std::exchange(isDrawScheduled_, true)) return;
+  QMetaObject::invokeMethod(
+      &context_,
+      [this] {
+        isDrawScheduled_ = false;
+        if (wantsFrame_ && surface_ && surface_->isConfigured() && !surface_->awaitsFrame())
+          drawFrame();
+      },
+      Qt::QueuedConnection);
+}
+
+void WaylandPanelWindow::frameShown() {
+  if (wantsFrame_) drawFrame();
+}
+
+void WaylandPanelWindow::collectDamage() {
+  const double scale = surface_->scale();
+  QRect area;
+  if (content_)
+    area = coveredPixels(content_->prepareFrame(1 / place_->description.refreshRate).damage, scale);
+  if (std::exchange(needsFullPaint_, false)) {
+    area |= inked_;
+    if (content_)
+      for (const auto& item : content_->displayList()) area |= coveredPixels(item.bounds, scale);
+  }
+  area &= QRect(QPoint(), buffers_.size());
+  damage_ |= area;
+  inked_ |= area;
+  buffers_.damage(area);
+}
+
+void WaylandPanelWindow::drawFrame() {
+  wantsFrame_ = false;
+  collectDamage();
+  if (isMapped_ && damage_.isEmpty()) {
+    // What moves by less than can be seen needs its next frame all the same.
+    if (wantsFrame_) surface_->requestFrame();
+    return commit();
+  }
+  auto* const buffer = buffers_.take(inked_);
+  // It is drawn when the compositor gives a buffer back.
+  wantsFrame_ = wantsFrame_ || !buffer;
+  if (!buffer) return;
+  paint(*buffer);
+  surface_->attach(*buffer, std::exchange(damage_, {}));
+  surface_->requestFrame();
+  isMapped_ = true;
+  commit();
+}
+
+void WaylandPanelWindow::paint(WaylandBuffers::Buffer& buffer) {
+  const QRect area = std::exchange(buffer.stale, {});
+  if (area.isEmpty()) return;
+  const double scale = surface_->scale();
+  QPainter painter(&buffer.image());
+  painter.setClipRect(area);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.fillRect(area, Qt::transparent);
+  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  painter.scale(scale, scale);
+  if (content_) {
+    QtCanvas canvas(painter, services_.textMetrics);
+    content_->draw(canvas, asPoints(area, scale));
+  }
+  ++framesDrawn_;
+  ++services_.framesDrawn;
+}
+
+void WaylandPanelWindow::commit() {
+  inputRegion_.applyTo(surface_->get());
+  surface_->commit();
+  inputRegion_.committed();
+}
+
+view::Point WaylandPanelWindow::toScreen(QPointF position) const {
+  if (!place_) return {};
+  // A pixel's place is that of its top left corner, so that the topmost row of the screen is the
+  // screen's top edge.
+  return {place_->frame.minX() + frame_.left() + std::floor(position.x()),
+          place_->frame.maxY() - frame_.top() - std::floor(position.y())};
+}
+
+view::Point WaylandPanelWindow::toContent(QPointF position) const {
+  const view::Point inside =
+      content_ ? view::Point{content_->frame().x, content_->frame().y} : view::Point{};
+  return {place_->frame.minX() + frame_.left() + position.x() - contentRectangle_.minX() - inside.x,
+          contentRectangle_.maxY() - place_->frame.maxY() + frame_.top() + position.y() - inside.y};
+}
+
+void WaylandPanelWindow::pointerMoved(std::optional<QPointF> position, bool isInside) {
+  if (position) pointerPosition_ = *position;
+  if (!content_) return;
+  if (isInside && !ignoresMouseEvents()) {
+    isPointerInContent_ = true;
+    content_->pointerMoved(toContent(*position));
+  } else {
+    leaveContent();
+  }
+}
+
+void WaylandPanelWindow::pointerPressed(bool isPressed) {
+  if (!content_) return;
+  if (isPressed)
+    content_->pointerPressed(toContent(pointerPosition_));
+  else
+    content_->pointerReleased(toContent(pointerPosition_));
+}
+
+void WaylandPanelWindow::leaveContent() {
+  if (std::exchange(isPointerInContent_, false) && content_) content_->pointerExited();
+}
+
+}  // namespace valdrix::desktop

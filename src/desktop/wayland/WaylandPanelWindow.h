@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "desktop/wayland/WaylandBuffers.h"
+#include "desktop/wayland/WaylandInputRegion.h"
+#include "desktop/wayland/WaylandLayerSurface.h"
+#include "desktop/wayland/WaylandScreens.h"
+#include "desktop/wayland/WaylandSeats.h"
+#include "platform/PanelWindow.h"
+
+namespace valdrix::desktop {
+
+class QtTextMetrics;
+
+/// What the panels of one compositor share.
+struct WaylandPanelServices {
+  WaylandConnection& connection;
+  WaylandScreens& screens;
+  WaylandPointer& pointer;
+  WaylandSeats& seats;
+  const QtTextMetrics& textMetrics;
+  /// Frames that all panels together have painted.
+  std::uint64_t& framesDrawn;
+};
+
+/// A panel under a Wayland compositor: a surface in the layer above everything, which the
+/// compositor neither focuses nor moves. The compositor says when the next frame may be drawn, and
+/// says nothing while the panel cannot be seen.
+class WaylandPanelWindow final : public platform::PanelWindow {
+ public:
+  WaylandPanelWindow(const WaylandPanelServices& services, const view::Rect& contentRectangle,
+                     const platform::PanelConfiguration& configuration);
+  ~WaylandPanelWindow() override;
+
+  void setContentView(view::HostingView* content) override;
+  void orderFrontRegardless() override;
+  void orderOut() override;
+  [[nodiscard]] bool ignoresMouseEvents() const override;
+  void setIgnoresMouseEvents(bool ignores) override;
+  void setTrackedRectangle(const view::Rect& rectangle) override;
+
+  /// How many frames have been painted so far.
+  [[nodiscard]] std::uint64_t framesDrawn() const { return framesDrawn_; }
+  /// Whether the compositor has a picture of it.
+  [[nodiscard]] bool isMapped() const { return isMapped_; }
+
+ private:
+  [[nodiscard]] WaylandInputRegion::Handlers inputHandlers();
+  void place();
+  void makeSurface();
+  void endSurface();
+  void applyTrackedRectangle();
+  void rescale();
+  void requestFrame();
+  void frameShown();
+  void drawFrame();
+  void collectDamage();
+  void paint(WaylandBuffers::Buffer& buffer);
+  void commit();
+  void leaveContent();
+  /// Where a place on the surface lies on the screen.
+  [[nodiscard]] view::Point toScreen(QPointF position) const;
+  [[nodiscard]] view::Point toContent(QPointF position) const;
+  void pointerMoved(std::optional<QPointF> position, bool isInside);
+  void pointerPressed(bool isPressed);
+
+  WaylandPanelServices services_;
+  const view::Rect contentRectangle_;
+  const bool takesKeyboard_;
+  view::HostingView* content_ = nullptr;
+  std::optional<WaylandScreens::Place> place_;
+  QRect frame_;  ///< in logical pixels from the output's top left
+  view::Rect trackedRectangle_;
+  bool isShown_ = false;
+  bool isMapped_ = false;
+  bool isPointerInContent_ = false;
+  QPointF pointerPosition_;
+  bool isDrawScheduled_ = false;
+  bool wantsFrame_ = false;
+  bool needsFullPaint_ = true;
+  QRect damage_;  ///< what the compositor has not seen yet, in device pixels of the surface
+  QRect inked_;   ///< what has been painted on
+  std::uint64_t framesDrawn_ = 0;
+  WaylandInputRegion inputRegion_;
+  WaylandBuffers buffers_;
+  std::unique_ptr<WaylandLayerSurface> surface_;
+  Token seatsTarget_;
+  Token screensObserver_;
+  QObject context_;
+};
+
+}  // namespace valdrix::desktop

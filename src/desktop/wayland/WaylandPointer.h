@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+
+#include "observation/Listeners.h"
+#include "platform/Pointer.h"
+
+namespace valdrix::desktop {
+
+/// The pointer as far as a client of a compositor hears of it: panels report what their input
+/// regions are told. Elsewhere, and while another program drags, nobody tells us where it is; it
+/// then is at the bottom edge of the screen below the place where it left.
+class WaylandPointer final : public platform::Pointer {
+ public:
+  [[nodiscard]] Token addGlobalMonitorForEventsMatchingMask(std::uint32_t mask,
+                                                            std::function<void()> handler) override;
+  [[nodiscard]] Token addLocalMonitorForEventsMatchingMask(std::uint32_t mask,
+                                                           std::function<void()> handler) override;
+  [[nodiscard]] view::Point mouseLocation() const override { return location_; }
+
+  /// The pointer has been seen there; that alone is no motion.
+  void setLocation(view::Point location) { location_ = location; }
+
+  enum class Destination { ourWindow, elsewhere };
+  /// Motion of a `kind` (see `platform::eventMask`) has been delivered to `destination`.
+  void report(Destination destination, std::uint32_t kind);
+
+ private:
+  view::Point location_;
+  Listeners<std::uint32_t> globalMonitors_;
+  Listeners<std::uint32_t> localMonitors_;
+};
+
+}  // namespace valdrix::desktop
