@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "desktop/audio/PulseAudioHardware.h"
 #include "desktop/session/QtRunLoop.h"
@@ -23,72 +24,56 @@ using platform::AudioObjectID;
 namespace audioAddress = platform::audioAddress;
 
 /// A desktop with the devices "desk" (the default) and "head", both at full volume, and an adapter
-/// that has seen them. The operations are another program's.
-struct World {
-  virtual ~World() = default;
-  virtual platform::AudioHardware& hardware() = 0;
-  virtual bool runUntil(const std::function<bool()>& condition) = 0;
-  virtual void add(const std::string& name) = 0;
-  virtual void remove(const std::string& name) = 0;
-  virtual void makeDefault(const std::string& name) = 0;
-  virtual void setVolume(const std::string& name, float volume) = 0;
-  virtual void setMuted(const std::string& name, bool isMuted) = 0;
-};
-
-class SimulatedWorld : public World {
+/// that has seen them. What else can be done to it, another program does.
+class SimulatedWorld {
  public:
-  SimulatedWorld() {
-    add("desk");
-    add("head");
-  }
-  platform::AudioHardware& hardware() override { return hardware_; }
-  bool runUntil(const std::function<bool()>& condition) override {
+  SimulatedWorld() { EXPECT_TRUE(addSink({"desk"}) && addSink({"head"})); }
+  platform::AudioHardware& hardware() { return hardware_; }
+  bool runUntil(const std::function<bool()>& condition) {
     for (int step = 0; step < 1000 && !condition(); ++step) loop_.advance(0.01);
     return condition();
   }
-  void add(const std::string& name) override { hardware_.addDevice(name, 1.0F); }
-  void remove(const std::string& name) override { hardware_.removeDevice(hardware_.device(name)); }
-  void makeDefault(const std::string& name) override {
-    hardware_.setDefaultDevice(hardware_.device(name));
+  bool addSink(const tests::SoundServer::Sink& sink) {
+    return hardware_.addDevice(sink.name, 1.0F) != 0;
   }
-  void setVolume(const std::string& name, float volume) override {
-    hardware_.changeVolume(hardware_.device(name), volume);
+  bool removeSink(const char* name) {
+    hardware_.removeDevice(device(name));
+    return true;
   }
-  void setMuted(const std::string& name, bool isMuted) override {
-    hardware_.changeMute(hardware_.device(name), isMuted);
+  bool setDefaultSink(const char* name) {
+    hardware_.setDefaultDevice(device(name));
+    return true;
+  }
+  bool setVolume(const char* name, const std::vector<float>& volumes) {
+    hardware_.changeVolume(device(name), volumes[0]);
+    return true;
+  }
+  bool setMuted(const char* name, bool isMuted) {
+    hardware_.changeMute(device(name), isMuted);
+    return true;
   }
 
  private:
+  AudioObjectID device(const char* name) { return hardware_.device(name); }
+
   sim::Trace trace_;
   sim::ManualRunLoop loop_{trace_};
   sim::SimAudioHardware hardware_{trace_, loop_};
 };
 
 template <tests::SoundServerKind kind>
-class ServerWorld : public World {
+class ServerWorld : public tests::SoundServer {
  public:
-  ServerWorld() {
-    server_.adoptEnvironment();
-    EXPECT_TRUE(server_.start({{"desk"}, {"head"}}));
+  ServerWorld() : SoundServer(kind) {
+    adoptEnvironment();
+    EXPECT_TRUE(start({{"desk"}, {"head"}}));
     hardware_ = std::make_unique<desktop::PulseAudioHardware>(loop_);
     EXPECT_TRUE(runUntil([&] { return tests::AudioProbe(*hardware_).defaultDevice() != 0; }));
   }
-  platform::AudioHardware& hardware() override { return *hardware_; }
-  bool runUntil(const std::function<bool()>& condition) override {
-    return tests::waitFor(condition);
-  }
-  void add(const std::string& name) override { EXPECT_TRUE(server_.addSink({name})); }
-  void remove(const std::string& name) override { EXPECT_TRUE(server_.removeSink(name)); }
-  void makeDefault(const std::string& name) override { EXPECT_TRUE(server_.setDefaultSink(name)); }
-  void setVolume(const std::string& name, float volume) override {
-    EXPECT_TRUE(server_.setVolume(name, {volume}));
-  }
-  void setMuted(const std::string& name, bool isMuted) override {
-    EXPECT_TRUE(server_.setMuted(name, isMuted));
-  }
+  platform::AudioHardware& hardware() { return *hardware_; }
+  bool runUntil(const std::function<bool()>& condition) { return tests::waitFor(condition); }
 
  private:
-  tests::SoundServer server_{kind};
   desktop::QtRunLoop loop_;
   std::unique_ptr<desktop::PulseAudioHardware> hardware_;
 };
@@ -101,10 +86,10 @@ class AudioHardwareContract : public testing::Test {
   /// before has been told by then.
   void passTurn() {
     const int before = probe_.defaultNotices;
-    world_.makeDefault("head");
+    ASSERT_TRUE(world_.setDefaultSink("head"));
     ASSERT_TRUE(runUntil([&] { return probe_.defaultNotices > before; }));
     EXPECT_NE(probe_.defaultDevice(), desk_);
-    world_.makeDefault("desk");
+    ASSERT_TRUE(world_.setDefaultSink("desk"));
     ASSERT_TRUE(runUntil([&] { return probe_.defaultNotices > before + 1; }));
     EXPECT_EQ(probe_.defaultDevice(), desk_);
   }
@@ -168,19 +153,19 @@ TYPED_TEST(AudioHardwareContract, AnotherProgramsChangesAreHeardOf) {
   auto& probe = this->probe_;
   const auto desk = this->desk_;
   probe.listenTo(desk);
-  this->world_.setVolume("desk", 0.25F);
+  ASSERT_TRUE(this->world_.setVolume("desk", {0.25F}));
   ASSERT_TRUE(this->runUntil([&] { return probe.volumeNotices > 0; }));
   EXPECT_NEAR(probe.volume(desk).value_or(-1), 0.25F, 0.0001F);
-  this->world_.setMuted("desk", true);
+  ASSERT_TRUE(this->world_.setMuted("desk", true));
   ASSERT_TRUE(this->runUntil([&] { return probe.muteNotices > 0; }));
   EXPECT_EQ(probe.isMuted(desk), true);
-  this->world_.setVolume("desk", 1.5F);
+  ASSERT_TRUE(this->world_.setVolume("desk", {1.5F}));
   EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) > 1.49F; })) << "amplified";
 
   // Ours, then theirs: the last one stands.
   ASSERT_TRUE(probe.setVolume(desk, 0.5F));
   ASSERT_TRUE(this->runUntil([&] { return probe.volume(desk) == 0.5F; }));
-  this->world_.setVolume("desk", 0.75F);
+  ASSERT_TRUE(this->world_.setVolume("desk", {0.75F}));
   EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) == 0.75F; }));
   EXPECT_EQ(probe.defaultNotices, 0);
 }
@@ -188,10 +173,11 @@ TYPED_TEST(AudioHardwareContract, AnotherProgramsChangesAreHeardOf) {
 TYPED_TEST(AudioHardwareContract, OnlyWhatChangedIsTold) {
   auto& probe = this->probe_;
   probe.listenTo(this->desk_);
-  this->world_.setVolume("head", 0.5F);
-  this->world_.setMuted("head", true);
-  this->world_.add("third");
-  this->world_.remove("third");
+  ASSERT_TRUE(this->world_.setVolume("head", {0.5F}));
+  ASSERT_TRUE(this->world_.setMuted("head", true));
+  const std::vector<std::string> crowd{"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"};
+  for (const auto& name : crowd) ASSERT_TRUE(this->world_.addSink({name}));
+  for (const auto& name : crowd) ASSERT_TRUE(this->world_.removeSink(name.c_str()));
   ASSERT_TRUE(probe.setVolume(this->desk_, 1));
   ASSERT_TRUE(probe.setMuted(this->desk_, false));
   this->passTurn();
@@ -217,7 +203,7 @@ TYPED_TEST(AudioHardwareContract, TheDefaultDeviceGoesAndComesBack) {
   auto& probe = this->probe_;
   const auto desk = this->desk_;
   probe.listenTo(desk);
-  this->world_.remove("desk");
+  ASSERT_TRUE(this->world_.removeSink("desk"));
   ASSERT_TRUE(this->runUntil([&] { return probe.defaultNotices > 0; }));
   const auto head = probe.defaultDevice();
   EXPECT_GT(head, platform::audioSystemObject);
@@ -229,13 +215,13 @@ TYPED_TEST(AudioHardwareContract, TheDefaultDeviceGoesAndComesBack) {
   EXPECT_EQ(probe.muteNotices, 0);
   EXPECT_EQ(probe.defaultNotices, 1);
 
-  this->world_.remove("head");
+  ASSERT_TRUE(this->world_.removeSink("head"));
   ASSERT_TRUE(this->runUntil([&] { return probe.defaultNotices > 1; }));
   EXPECT_EQ(probe.defaultDevice(), 0U);
   EXPECT_EQ(probe.defaultNotices, 2);
   EXPECT_FALSE(probe.setVolume(head, 0.5F));
 
-  this->world_.add("new");
+  ASSERT_TRUE(this->world_.addSink({"new"}));
   ASSERT_TRUE(this->runUntil([&] { return probe.defaultNotices > 2; }));
   EXPECT_EQ(probe.defaultNotices, 3);
   EXPECT_NE(probe.defaultDevice(), 0U);

@@ -23,28 +23,18 @@ class AudioProbe {
     muteListener_ = hardware_.addPropertyListenerBlock(device, platform::audioAddress::mute,
                                                        [this] { ++muteNotices; });
   }
-  void forget() {
-    volumeListener_.reset();
-    muteListener_.reset();
-  }
 
   [[nodiscard]] platform::AudioObjectID defaultDevice() const {
-    platform::AudioObjectID device = 0;
-    const auto status = hardware_.getPropertyData(
-        platform::audioSystemObject, platform::audioAddress::defaultOutputDevice, device);
-    return status == 0 ? device : 0;
+    return read<std::uint32_t>(platform::audioSystemObject,
+                               platform::audioAddress::defaultOutputDevice)
+        .value_or(0);
   }
   [[nodiscard]] std::optional<float> volume(platform::AudioObjectID device) const {
-    float value = 0;
-    if (hardware_.getPropertyData(device, platform::audioAddress::volume, value) != 0)
-      return std::nullopt;
-    return value;
+    return read<float>(device, platform::audioAddress::volume);
   }
   [[nodiscard]] std::optional<bool> isMuted(platform::AudioObjectID device) const {
-    std::uint32_t value = 0;
-    if (hardware_.getPropertyData(device, platform::audioAddress::mute, value) != 0)
-      return std::nullopt;
-    return value != 0;
+    const auto value = read<std::uint32_t>(device, platform::audioAddress::mute);
+    return value ? std::optional(*value != 0) : std::nullopt;
   }
   [[nodiscard]] bool setVolume(platform::AudioObjectID device, float volume) {
     return hardware_.setPropertyData(device, platform::audioAddress::volume, volume) == 0;
@@ -59,6 +49,14 @@ class AudioProbe {
   int muteNotices = 0;
 
  private:
+  template <class T>
+  [[nodiscard]] std::optional<T> read(platform::AudioObjectID object,
+                                      const platform::AudioObjectPropertyAddress& address) const {
+    T value{};
+    const bool isRead = hardware_.getPropertyData(object, address, value) == 0;
+    return isRead ? std::optional(value) : std::nullopt;
+  }
+
   platform::AudioHardware& hardware_;
   Token defaultListener_;
   Token volumeListener_;

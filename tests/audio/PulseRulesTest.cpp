@@ -23,23 +23,42 @@ pa_cvolume volumeOf(std::vector<double> channels) {
   return volume;
 }
 
-PulseSnapshot serverWith(std::uint64_t connection,
-                         std::vector<std::pair<std::string, double>> sinks) {
+using Sinks = std::vector<std::pair<std::string, double>>;
+
+/// The first sink is the default.
+PulseSnapshot serverWith(std::uint64_t connection, const Sinks& sinks) {
   PulseSnapshot snapshot{connection, sinks.empty() ? "@DEFAULT_SINK@" : sinks[0].first, {}};
   for (const auto& [name, volume] : sinks)
     snapshot.sinks.push_back({name, volumeOf({volume, volume}), false});
   return snapshot;
 }
-const PulseSnapshot noServer;
+
+/// What the server says, and the seconds until its next word.
+struct Word {
+  std::uint64_t connection;  ///< 0: there is no server
+  Sinks sinks;
+  double pause;
+};
 
 class SnapshotGateTest : public testing::Test {
  protected:
-  void receive(const PulseSnapshot& snapshot) { gate_.receive(snapshot); }
-  /// What was believed since the last call: the default sink and its percentage, "-" without one.
-  std::string believed() { return std::exchange(believed_, ""); }
+  struct Step {
+    Word word;
+    /// What is believed in the pause, in order: the default sink and its percentage, "-" without.
+    const char* believed;
+  };
+  void follow(const std::vector<Step>& steps) {
+    for (const auto& [word, believed] : steps) {
+      const auto snapshot = serverWith(word.connection, word.sinks);
+      std::exchange(isFirst_, false) ? gate_.begin(snapshot) : gate_.receive(snapshot);
+      loop_.advance(word.pause);
+      EXPECT_EQ(std::exchange(believed_, ""), believed) << word.connection << " at " << loop_.now();
+    }
+  }
 
   sim::Trace trace_;
   sim::ManualRunLoop loop_{trace_};
+  bool isFirst_ = true;
   std::string believed_;
   SnapshotGate gate_{
       loop_, [this](const PulseSnapshot& snapshot) {
@@ -53,87 +72,60 @@ class SnapshotGateTest : public testing::Test {
 };
 
 TEST_F(SnapshotGateTest, ARunningServerIsBelievedFromTheFirstWordOn) {
-  gate_.begin(serverWith(1, {{"a", 0.5}}));
-  EXPECT_EQ(believed(), "a50");
-  receive(serverWith(1, {{"a", 0.6}}));
-  receive(serverWith(1, {{"b", 1}, {"a", 0.6}}));
-  EXPECT_EQ(believed(), "a60 b100");
+  follow({{{1, {{"a", 0.5}}, 0}, "a50"},
+          {{1, {{"a", 0.6}}, 0}, "a60"},
+          {{1, {{"b", 1}, {"a", 0.6}}, 0}, "b100"}});
   EXPECT_EQ(loop_.timerCount(), 0U);
 }
 
 TEST_F(SnapshotGateTest, ALoginShowsOnlyItsEnd) {
-  gate_.begin(noServer);
-  EXPECT_EQ(believed(), "");
-  receive(serverWith(1, {}));
-  receive(serverWith(1, {{"auto_null", 1}}));
-  loop_.advance(0.5);
-  believed();
-  receive(serverWith(1, {{"hdmi", 1}}));
-  loop_.advance(0.2);
-  receive(serverWith(1, {{"card", 1}, {"hdmi", 1}}));
-  loop_.advance(0.2);
-  receive(serverWith(1, {{"card", 0.3}, {"hdmi", 1}}));
-  loop_.advance(0.2);
-  EXPECT_EQ(believed(), "");
-  receive(serverWith(1, {{"card", 0.3}, {"hdmi", 0.5}}));
-  loop_.advance(0.1);
-  EXPECT_EQ(believed(), "card30") << "another sink's change is no unrest";
+  follow({{{0, {}, 0}, ""},
+          {{1, {}, 0}, "-"},
+          {{1, {{"auto_null", 1}}, 0.5}, "-"},
+          {{1, {{"hdmi", 1}}, 0.2}, ""},
+          {{1, {{"card", 1}, {"hdmi", 1}}, 0.2}, ""},
+          {{1, {{"card", 0.3}, {"hdmi", 1}}, 0.2}, ""},
+          // Another sink's change is no unrest.
+          {{1, {{"card", 0.3}, {"hdmi", 0.5}}, 0.1}, "card30"}});
 }
 
 TEST_F(SnapshotGateTest, UnrestHasAnEnd) {
-  gate_.begin(noServer);
+  gate_.begin({});
   for (int i = 0; i < 30; ++i) {
-    receive(serverWith(1, {{"a", 0.01 * i}}));
+    gate_.receive(serverWith(1, {{"a", 0.01 * i}}));
     loop_.advance(0.1);
   }
-  EXPECT_NE(believed(), "");
+  EXPECT_NE(believed_, "");
 }
 
 TEST_F(SnapshotGateTest, ARestartIsNoNews) {
-  gate_.begin(serverWith(1, {{"a", 0.5}}));
-  believed();
-  receive(noServer);
-  loop_.advance(60);
-  EXPECT_EQ(believed(), "");
+  follow({{{1, {{"a", 0.5}}, 0}, "a50"}, {{0, {}, 60}, ""}});
   EXPECT_EQ(loop_.timerCount(), 0U) << "nothing waits while there is no server";
-  receive(serverWith(2, {{"auto_null", 1}}));
-  loop_.advance(1);
-  receive(serverWith(2, {{"a", 1}}));
-  loop_.advance(0.1);
-  receive(serverWith(2, {{"a", 0.5}}));
-  EXPECT_EQ(believed(), "");
-  loop_.advance(1);
-  EXPECT_EQ(believed(), "a50");
-
-  // One so quick that its loss was never heard of.
-  receive(serverWith(3, {{"b", 1}}));
-  loop_.advance(0.1);
-  receive(serverWith(3, {{"a", 0.5}}));
-  loop_.advance(1);
-  EXPECT_EQ(believed(), "a50");
+  follow({{{2, {{"auto_null", 1}}, 1}, ""},
+          {{2, {{"a", 1}}, 0.1}, ""},
+          {{2, {{"a", 0.5}}, 0}, ""},
+          {{2, {{"a", 0.5}}, 1}, "a50"},
+          // One so quick that its loss was never heard of.
+          {{3, {{"b", 1}}, 0.1}, ""},
+          {{3, {{"a", 0.5}}, 1}, "a50"}});
 }
 
 TEST_F(SnapshotGateTest, NoOutputIsBelievedWhenItLasts) {
-  gate_.begin(serverWith(1, {{"a", 0.5}}));
-  believed();
-  for (int i = 0; i < 3; ++i) {
-    receive(serverWith(1, {}));
-    loop_.advance(1);
-  }
-  EXPECT_EQ(believed(), "-");
+  follow({{{1, {{"a", 0.5}}, 0}, "a50"}, {{1, {}, 1}, ""}, {{1, {}, 1}, ""}, {{1, {}, 1}, "-"}});
   EXPECT_EQ(loop_.timerCount(), 0U);
-  receive(serverWith(1, {{"a", 0.5}}));
-  loop_.advance(1);
-  EXPECT_EQ(believed(), "a50");
-  receive(serverWith(1, {}));
-  loop_.advance(0.1);
-  receive(serverWith(1, {{"b", 1}}));
-  loop_.advance(10);
-  EXPECT_EQ(believed(), "b100") << "a gap while the default is replaced";
+  follow({{{1, {{"a", 0.5}}, 1}, "a50"},
+          // A gap while the default is replaced.
+          {{1, {}, 0.1}, ""},
+          {{1, {{"b", 1}}, 10}, "b100"}});
 }
 
 class SecondLookTest : public testing::Test {
  protected:
+  void receive(const Word& word) {
+    secondLook_.receive(serverWith(word.connection, word.sinks));
+    loop_.advance(word.pause);
+  }
+
   sim::Trace trace_;
   sim::ManualRunLoop loop_{trace_};
   int looks_ = 0;
@@ -141,23 +133,13 @@ class SecondLookTest : public testing::Test {
 };
 
 TEST_F(SecondLookTest, ComesOnceAfterAServerHasAppeared) {
-  secondLook_.receive(serverWith(1, {{"a", 1}}));
-  loop_.advance(2);
-  secondLook_.receive(serverWith(1, {{"b", 1}}));
-  loop_.advance(2);
+  for (const auto& word : {Word{1, {{"a", 1}}, 2}, {1, {{"b", 1}}, 2}}) receive(word);
   EXPECT_EQ(looks_, 1);
-  secondLook_.receive(noServer);
-  secondLook_.receive(serverWith(2, {{"b", 1}}));
+  for (const auto& word : {Word{0, {}, 0}, {2, {{"b", 1}}, 0}}) receive(word);
   EXPECT_EQ(loop_.timerCount(), 0U) << "the connection that was asked for";
-  secondLook_.receive(noServer);
-  secondLook_.receive(serverWith(3, {{"b", 1}}));
-  loop_.advance(1);
-  secondLook_.receive(noServer);
-  loop_.advance(60);
-  EXPECT_EQ(looks_, 1) << "nothing to ask";
-  secondLook_.receive(serverWith(4, {}));
-  loop_.advance(60);
-  EXPECT_EQ(looks_, 1) << "nothing to ask about";
+  for (const auto& word : {Word{0, {}, 0}, {3, {{"b", 1}}, 1}, {0, {}, 60}, {4, {}, 60}})
+    receive(word);
+  EXPECT_EQ(looks_, 1) << "nothing to ask, nothing to ask about";
 }
 
 TEST_F(SecondLookTest, ComesEverMoreRarelyWhileNoSinkIsTheDefault) {
@@ -171,8 +153,7 @@ TEST_F(SecondLookTest, ComesEverMoreRarelyWhileNoSinkIsTheDefault) {
   }
   EXPECT_GT(looks_, 10);
   EXPECT_LT(looks_, 70);
-  secondLook_.receive(serverWith(doubtful.connection, {{"a", 1}}));
-  loop_.advance(120);
+  receive({doubtful.connection, {{"a", 1}}, 120});
   const int before = looks_;
   secondLook_.receive(doubtful);
   loop_.advance(2);

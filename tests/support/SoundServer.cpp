@@ -2,11 +2,13 @@
 
 #include <cmath>
 #include <csignal>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 #include "tests/support/WaitFor.h"
 
@@ -21,20 +23,9 @@ constexpr const char* overridingVariables[] = {"PULSE_SERVER", "PULSE_RUNTIME_PA
 
 QString text(const std::string& string) { return QString::fromStdString(string); }
 
-QString channelMap(int channels) {
-  switch (channels) {
-    case 1:
-      return "mono";
-    case 6:
-      return "front-left,front-right,rear-left,rear-right,front-center,lfe";
-    default:
-      return "front-left,front-right";
-  }
-}
-
 QStringList nullSink(const SoundServer::Sink& sink) {
   return {"module-null-sink", "sink_name=" + text(sink.name),
-          "channels=" + QString::number(sink.channels), "channel_map=" + channelMap(sink.channels)};
+          "channels=" + QString::number(sink.channels)};
 }
 
 }  // namespace
@@ -106,16 +97,6 @@ std::vector<std::string> SoundServer::variables() const {
           "PULSE_COOKIE=" + folder_.filePath("cookie").toStdString()};
 }
 
-QProcessEnvironment SoundServer::environment() const {
-  auto environment = QProcessEnvironment::systemEnvironment();
-  for (const char* overriding : overridingVariables) environment.remove(overriding);
-  for (const auto& variable : variables()) {
-    const auto equals = variable.find('=');
-    environment.insert(text(variable.substr(0, equals)), text(variable.substr(equals + 1)));
-  }
-  return environment;
-}
-
 void SoundServer::adoptEnvironment() const {
   for (const char* overriding : overridingVariables) qunsetenv(overriding);
   for (const auto& variable : variables()) {
@@ -134,8 +115,18 @@ std::unique_ptr<SpawnedProgram> SoundServer::spawn(std::vector<std::string> argu
   return std::make_unique<SpawnedProgram>(std::move(arguments), std::move(own));
 }
 
+// The file is there a moment before anybody listens, and whoever knocks then gives up for good.
 bool SoundServer::waitForSocket(const QString& name) const {
-  return waitFor([&] { return QFileInfo::exists(folder_.filePath(name)); });
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  const auto path = folder_.filePath(name).toStdString();
+  path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+  return waitFor([&] {
+    const int knocking = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
+    const bool isOpen = connect(knocking, generic, sizeof(address)) == 0;
+    close(knocking);
+    return isOpen;
+  });
 }
 
 // Not by QProcess: it makes its child inside this process's memory, and the thread sanitizer then

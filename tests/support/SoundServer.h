@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -46,13 +45,8 @@ class SoundServer {
   [[nodiscard]] const QTemporaryDir& runtimeFolder() const { return folder_; }
   /// "NAME=value", for programs that shall use this server: where it is, and nothing else.
   [[nodiscard]] std::vector<std::string> variables() const;
-  /// This process's environment with those.
-  [[nodiscard]] QProcessEnvironment environment() const;
   /// Sets those in this process. No other thread may be running that reads the environment.
   void adoptEnvironment() const;
-
-  /// Runs the server's own command-line client; its output, or nothing when it fails.
-  std::optional<QString> pactl(const QStringList& arguments) const;
 
   // As another program would, and back only when the server has done it. Whether it did.
   bool addSink(const Sink& sink);
@@ -69,6 +63,8 @@ class SoundServer {
   [[nodiscard]] bool isMuted(const std::string& sink);
 
  private:
+  /// Runs the server's own command-line client; its output, or nothing when it fails.
+  std::optional<QString> pactl(const QStringList& arguments) const;
   [[nodiscard]] std::unique_ptr<SpawnedProgram> spawn(std::vector<std::string> arguments) const;
   [[nodiscard]] bool waitForSocket(const QString& name) const;
   [[nodiscard]] bool isReady();
