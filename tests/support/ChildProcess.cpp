@@ -10,14 +10,9 @@ ChildProcess::ChildProcess(const QString& program, const QStringList& arguments,
   process_.waitForStarted();
 }
 
-ChildProcess::~ChildProcess() { terminate(); }
-
-bool ChildProcess::terminate() {
-  if (process_.state() == QProcess::NotRunning) return true;
+ChildProcess::~ChildProcess() {
   process_.terminate();
-  if (process_.waitForFinished(2000)) return true;
-  kill();
-  return false;
+  if (!process_.waitForFinished(2000)) kill();
 }
 
 void ChildProcess::kill() {
@@ -30,13 +25,14 @@ ChildProcess::Result ChildProcess::run(const QString& program, const QStringList
   QProcess process;
   process.setProcessEnvironment(environment);
   process.start(program, arguments);
-  if (!process.waitForStarted() || !process.waitForFinished(10000)) {
+  const bool hasEnded = process.waitForFinished(10000);
+  if (!hasEnded) {
     process.kill();
     process.waitForFinished(1000);
-    return {-1, process.readAllStandardOutput(), process.readAllStandardError()};
   }
-  return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-          process.readAllStandardOutput(), process.readAllStandardError()};
+  const bool hasExited = hasEnded && process.exitStatus() == QProcess::NormalExit;
+  return {hasExited ? process.exitCode() : -1, process.readAllStandardOutput(),
+          process.readAllStandardError()};
 }
 
 }  // namespace valdrix::tests

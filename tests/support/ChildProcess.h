@@ -19,8 +19,6 @@ class ChildProcess {
 
   [[nodiscard]] bool isRunning() const { return process_.state() == QProcess::Running; }
   [[nodiscard]] qint64 pid() const { return process_.processId(); }
-  /// Ends it now; whether it ended by itself when asked.
-  bool terminate();
   void kill();
   [[nodiscard]] QProcess& process() { return process_; }
 
