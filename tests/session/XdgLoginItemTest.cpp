@@ -61,75 +61,39 @@ std::string with(std::string text, const std::string& line) {
 }
 
 TEST_F(XdgLoginItemTest, TheToggleShowsAndSetsWhatTheDesktopDoes) {
-  const auto hidden = [](const std::string& text) { return with(text, "Hidden=true"); };
-  const auto released = [](const std::string& text) { return with(text, "Hidden=false"); };
+  const std::string off = "Hidden=true", disabled = "X-GNOME-Autostart-enabled=false";
+  const auto gone = head + "X-Mine=1\nExec=/gone %u\n";
+  const auto elsewhere = with(wordy, "OnlyShowIn=KDE;");
+  const auto notHere = with(wordy, "NotShowIn=KDE;GNOME;");
   const struct {
-    const char* name;
     Text user, system;
     platform::LoginItem::Status status;
     Text whenOn, whenOff;
   } rows[]{
-      {"nothing", {}, {}, notRegistered, own, {}},
-      {"our entry", own, {}, enabled, own, {}},
-      {"ours for a program that is gone",
-       head + "Name=valdrix\nIcon=valdrix\nExec=/gone\n",
-       {},
-       notFound,
-       own,
-       {}},
-      {"switched off by the desktop", hidden(own), {}, requiresApproval, own, {}},
-      {"a package's", {}, packaged, enabled, {}, hidden(own)},
-      {"a package's, ours beside it", own, packaged, enabled, {}, hidden(own)},
-      {"a package's, switched off by us", hidden(own), packaged, requiresApproval, {}, hidden(own)},
-      {"a package's for a program that is gone",
-       {},
-       head + "Exec=/gone\n",
-       notFound,
-       own,
-       hidden(own)},
-      {"the user's", wordy, {}, enabled, wordy, hidden(wordy)},
-      {"the user's, off", hidden(wordy), {}, requiresApproval, released(wordy), hidden(wordy)},
-      {"the user's hides a package's", hidden(wordy), packaged, requiresApproval, released(wordy),
-       hidden(wordy)},
-      {"off in GNOME",
-       with(wordy, "X-GNOME-Autostart-enabled=false"),
+      {{}, {}, notRegistered, own, {}},
+      {own, {}, enabled, own, {}},
+      {with(own, off), {}, requiresApproval, own, {}},
+      {{}, packaged, enabled, {}, with(own, off)},
+      {with(own, off), packaged, requiresApproval, {}, with(own, off)},
+      {{}, head + "Exec=/gone\n", notFound, own, with(own, off)},
+      {wordy, {}, enabled, wordy, with(wordy, off)},
+      {with(wordy, off), packaged, requiresApproval, with(wordy, "Hidden=false"), with(wordy, off)},
+      {with(wordy, disabled),
        {},
        requiresApproval,
        with(wordy, "X-GNOME-Autostart-enabled=true"),
-       hidden(with(wordy, "X-GNOME-Autostart-enabled=false"))},
-      {"for this desktop",
-       with(wordy, "OnlyShowIn=KDE;GNOME;"),
-       {},
-       enabled,
-       with(wordy, "OnlyShowIn=KDE;GNOME;"),
-       hidden(with(wordy, "OnlyShowIn=KDE;GNOME;"))},
-      {"for another desktop",
-       with(wordy, "OnlyShowIn=KDE;"),
-       {},
-       requiresApproval,
-       with(wordy, "OnlyShowIn=KDE;ubuntu"),
-       hidden(with(wordy, "OnlyShowIn=KDE;"))},
-      {"not for this desktop",
-       with(wordy, "NotShowIn=KDE;GNOME;"),
-       {},
-       requiresApproval,
-       with(wordy, "NotShowIn=KDE"),
-       hidden(with(wordy, "NotShowIn=KDE;GNOME;"))},
-      {"the user's for a program that is gone",
-       with(head + "X-Mine=1\n", "Exec=/gone %u"),
+       with(with(wordy, disabled), off)},
+      {elsewhere, {}, requiresApproval, with(wordy, "OnlyShowIn=KDE;ubuntu"), with(elsewhere, off)},
+      {notHere, {}, requiresApproval, with(wordy, "NotShowIn=KDE"), with(notHere, off)},
+      {gone, {}, notFound, head + "X-Mine=1\nExec=/bin/sh\n", with(gone, off)},
+      {"garbage",
        {},
        notFound,
-       with(head + "X-Mine=1\n", "Exec=/bin/sh"),
-       hidden(with(head + "X-Mine=1\n", "Exec=/gone %u"))},
-      {"no entry at all",
-       "garbage",
-       {},
-       notFound,
-       "garbage\n\n[Desktop Entry]\nType=Application\nExec=/bin/sh\n",
+       "garbage\n\n" + head + "Exec=/bin/sh\n",
        "garbage\n\n[Desktop Entry]\nHidden=true\n"},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
+    SCOPED_TRACE(row.user.value_or("no entry") + '|' + row.system.value_or("no package"));
     put("system", row.system);
     put("user", row.user);
     EXPECT_EQ(item_->status(), row.status);
