@@ -95,11 +95,10 @@ bool FormSectionView::show(const view::FormSection& section) {
 
 void FormSectionView::arrange() {
   while (lines_->count() > 0) delete lines_->takeAt(0);
-  for (const Row& row : rows_) {
-    lines_->addWidget(row.view);
-    // A layout would show it a turn later.
-    row.view->setVisible(true);
-  }
+  for (const Row& row : rows_) lines_->addWidget(row.view);
+  // A layout would show them a turn later. Not before all are there: to show one lays the form out,
+  // and what it is too short for scrolls back.
+  for (const Row& row : rows_) row.view->setVisible(true);
   group_.update();
 }
 
