@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <QByteArray>
+#include <QJsonArray>
 
 #include "desktop/X11WindowSystem.h"
 #ifdef VALDRIX_CALENDAR_SERVER
@@ -54,6 +55,18 @@ std::unique_ptr<platform::UrlSession> makeUrlSession(platform::RunLoop& runLoop)
 #endif
 }
 
+MediaKeyReport mediaKeyReport(const WindowSystem& windowSystem) {
+  const auto keys = windowSystem.mediaKeys();
+  const auto codes = [&keys](const char* name) {
+    std::vector<std::uint32_t> list;
+    for (const auto& code : keys[name].toArray())
+      list.push_back(static_cast<std::uint32_t>(code.toInt()));
+    return list;
+  };
+  return {windowSystem.backends()["eventTaps"].toString().toStdString(), codes("held"),
+          codes("missing"), codes("released"), codes("absent")};
+}
+
 std::optional<DesktopWorkspace::EventPlace> findEvent(const DesktopEventStore& store,
                                                       const QtUserCalendar& userCalendar,
                                                       std::string_view identifier) {
@@ -91,7 +104,9 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       workspace_(bus, {.findEvent =
                            [this](std::string_view identifier) {
                              return findEvent(eventStore_, userCalendar_, identifier);
-                           }}),
+                           },
+                       .openSettings =
+                           [this](std::string_view url) { return privacySettings_.open(url); }}),
       urlSession_(makeUrlSession(runLoop)),
       sceneHost_(bus),
       housings_(CameraHousings::Sources::fromEnvironment()),
@@ -99,6 +114,11 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       windowSystem_(
           windowSystem.make(runLoop, textMetrics_, housings_,
                             [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
+      privacySettings_({.eventStore = eventStore_,
+                        .record = privacyRecord_,
+                        .accessibility = windowSystem_->accessibility(),
+                        .runLoop = runLoop,
+                        .mediaKeys = [this] { return mediaKeyReport(*windowSystem_); }}),
       preferencesObserver_(
           userDefaults_.observeChanges([this] { windowSystem_->preferencesChanged(); })),
       ports_{.runLoop = runLoop,

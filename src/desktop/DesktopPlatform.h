@@ -12,6 +12,7 @@
 #include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
+#include "desktop/privacy/PrivacySettings.h"
 #include "desktop/scenes/QtSceneHost.h"
 #include "desktop/screens/CameraHousings.h"
 #include "desktop/session/CompiledBundle.h"
@@ -47,6 +48,8 @@ class DesktopPlatform {
   [[nodiscard]] const WindowSystem& windowSystem() const { return *windowSystem_; }
   [[nodiscard]] CameraHousings& housings() { return housings_; }
   [[nodiscard]] const CameraHousings& housings() const { return housings_; }
+  /// Where the user says what the program may do.
+  [[nodiscard]] PrivacySettings& privacySettings() { return privacySettings_; }
   /// Which backend serves each port, by the port's name.
   [[nodiscard]] QJsonObject backends() const;
 
@@ -83,6 +86,7 @@ class DesktopPlatform {
   CameraHousings housings_;
   FileWatch housingsWatch_;
   std::unique_ptr<WindowSystem> windowSystem_;
+  PrivacySettings privacySettings_;
   Token preferencesObserver_;
   platform::Platform ports_;
 };

@@ -1,0 +1,73 @@
+#include "desktop/privacy/PrivacySettings.h"
+
+#include <algorithm>
+#include <array>
+#include <malloc.h>
+#include <utility>
+
+#include <QStringList>
+
+#include "desktop/privacy/CalendarAccessTab.h"
+#include "desktop/privacy/KeyAccessTab.h"
+#include "desktop/scenes/SettingsWindow.h"
+
+namespace valdrix::desktop {
+
+namespace {
+
+constexpr view::Size windowSize{520, 460};
+
+/// The links in the order of the tabs that they lead to.
+constexpr std::array<std::string_view, 2> links{
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_Calendars",
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"};
+
+}  // namespace
+
+PrivacySettings::PrivacySettings(Ports ports) : ports_(std::move(ports)) {}
+
+PrivacySettings::~PrivacySettings() = default;
+
+bool PrivacySettings::open(std::string_view url) {
+  const auto* const link = std::ranges::find(links, url);
+  if (link == links.end()) return false;
+  show(static_cast<std::size_t>(link - links.begin()));
+  return true;
+}
+
+view::SettingsScene PrivacySettings::scene() {
+  return {.size = windowSize,
+          .tabs = {{.label = "Calendriers",
+                    .symbol = "calendar",
+                    .make =
+                        [this] {
+                          return std::make_unique<CalendarAccessTab>(
+                              ports_.eventStore, ports_.record, [this] { answers_.notify(); });
+                        }},
+                   {.label = "Touches", .symbol = "speaker.wave.2.fill", .make = [this] {
+                      const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
+                      return std::make_unique<KeyAccessTab>(ports_.accessibility, ports_.runLoop,
+                                                            ports_.mediaKeys,
+                                                            indicatorOf(desktops));
+                    }}}};
+}
+
+void PrivacySettings::show(std::size_t tab) {
+  if (!window_) window_ = std::make_unique<SettingsWindow>(scene(), [this] { windowDidClose(); });
+  window_->selectTab(tab);
+  window_->open();
+}
+
+void PrivacySettings::windowDidClose() {
+  // It is in the middle of an event of its own.
+  QMetaObject::invokeMethod(
+      &context_,
+      [this] {
+        if (!window_ || window_->isVisible()) return;
+        window_.reset();
+        ::malloc_trim(0);
+      },
+      Qt::QueuedConnection);
+}
+
+}  // namespace valdrix::desktop

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include <QObject>
+
+#include "desktop/privacy/MediaKeyReport.h"
+#include "desktop/session/PrivacyRecord.h"
+#include "observation/Listeners.h"
+#include "observation/Token.h"
+#include "platform/Accessibility.h"
+#include "platform/EventStore.h"
+#include "platform/RunLoop.h"
+#include "view/SettingsScene.h"
+
+namespace valdrix::desktop {
+
+class SettingsWindow;
+
+/// What the program may do, as a window in which the user says so: the calendars and the keys, a
+/// tab for each. The window exists while it is open. Needs a QApplication; main thread only.
+class PrivacySettings {
+ public:
+  /// All outlive it.
+  struct Ports {
+    platform::EventStore& eventStore;
+    PrivacyRecord& record;
+    platform::Accessibility& accessibility;
+    platform::RunLoop& runLoop;
+    std::function<MediaKeyReport()> mediaKeys;
+  };
+
+  explicit PrivacySettings(Ports ports);
+  ~PrivacySettings();
+  PrivacySettings(const PrivacySettings&) = delete;
+  PrivacySettings& operator=(const PrivacySettings&) = delete;
+
+  /// Opens the tab that a link to the system's privacy settings leads to. False for other links.
+  bool open(std::string_view url);
+  /// Calls `block` after the user has given or withdrawn an access here.
+  [[nodiscard]] Token observeAnswers(std::function<void()> block) {
+    return answers_.add(std::move(block));
+  }
+
+  [[nodiscard]] view::SettingsScene scene();
+  /// The window, while it is open; else null.
+  [[nodiscard]] SettingsWindow* window() { return window_.get(); }
+
+ private:
+  void show(std::size_t tab);
+  void windowDidClose();
+
+  Ports ports_;
+  Listeners<> answers_;
+  std::unique_ptr<SettingsWindow> window_;
+  QObject context_;
+};
+
+}  // namespace valdrix::desktop
