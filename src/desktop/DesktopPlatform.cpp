@@ -79,6 +79,18 @@ std::optional<DesktopWorkspace::EventPlace> findEvent(const DesktopEventStore& s
       .calendarIdentifier = event->calendar ? event->calendar->calendarIdentifier : std::string()};
 }
 
+QString trayName(const TrayItem* item) {
+  switch (item ? item->place() : TrayItem::Place::nowhere) {
+    case TrayItem::Place::statusNotifierHost:
+      return "qt, status notifier item";
+    case TrayItem::Place::x11Tray:
+      return "qt, x11 tray";
+    case TrayItem::Place::nowhere:
+      break;
+  }
+  return "qt, no tray";
+}
+
 }  // namespace
 
 const std::vector<DesktopPlatform::Candidate> DesktopPlatform::candidates = {
@@ -142,7 +154,20 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .urlSession = *urlSession_,
              .bundle = bundle_,
              .sceneHost = sceneHost_,
-             .textMetrics = textMetrics_} {}
+             .textMetrics = textMetrics_} {
+  connectMenu();
+}
+
+void DesktopPlatform::connectMenu() {
+  windowSystem_->setOnMenuRequested([this](QPoint position) {
+    if (!sceneHost_.trayItem()) return;
+    panelHold_ = windowSystem_->holdPanels();
+    sceneHost_.popUpMenu(position, [this] { panelHold_.reset(); });
+  });
+  const auto tellOfTray = [this] { sceneHost_.setHasX11Tray(windowSystem_->hasTray()); };
+  trayObserver_ = windowSystem_->observeTray(tellOfTray);
+  tellOfTray();
+}
 
 QJsonObject DesktopPlatform::backends() const {
   QJsonObject backends = windowSystem_->backends();
@@ -160,6 +185,7 @@ QJsonObject DesktopPlatform::backends() const {
   backends["eventStore"] = "vdir";
 #endif
   backends["workspace"] = "xdg";
+  backends["sceneHost"] = trayName(sceneHost_.trayItem());
   return backends;
 }
 

@@ -64,6 +64,8 @@ class DesktopPlatform {
   static const std::vector<Candidate> candidates;
 
   DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem);
+  /// Leads the window system's own ways to the menu to the menu.
+  void connectMenu();
 
   QtApplication application_;
   IniUserDefaults userDefaults_;
@@ -82,12 +84,15 @@ class DesktopPlatform {
   XdgLoginItem loginItem_;
   std::unique_ptr<platform::UrlSession> urlSession_;
   CompiledBundle bundle_;
+  /// While the menu is open on a panel.
+  Token panelHold_;
   QtSceneHost sceneHost_;
   CameraHousings housings_;
   FileWatch housingsWatch_;
   std::unique_ptr<WindowSystem> windowSystem_;
   PrivacySettings privacySettings_;
   Token preferencesObserver_;
+  Token trayObserver_;
   platform::Platform ports_;
 };
 

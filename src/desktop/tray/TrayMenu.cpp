@@ -65,6 +65,10 @@ void TrayMenu::popUp(QPoint position, std::function<void()> onClosed) {
     });
     fill();
   }
+  if (content_.items.empty()) {
+    if (onClosed) onClosed();
+    return;
+  }
   onClosed_ = std::move(onClosed);
   menu_->popup(position);
 }
