@@ -1,6 +1,7 @@
 #include "desktop/net/HttpsUrlSession.h"
 
 #include <csignal>
+#include <malloc.h>
 #include <utility>
 
 #include <system_error>
@@ -37,6 +38,8 @@ void HttpsUrlSession::start(std::uint64_t id, const platform::UrlRequest& reques
                    certificates = certificates_](const std::stop_token& stop) {
     blockSignals();
     auto answer = HttpsTransfer(request, certificates).run(stop);
+    // The system's certificates take room that nothing else will need.
+    ::malloc_trim(0);
     runLoop.async([finishHere, answer = std::move(answer)] { finishHere(answer); });
   };
   try {

@@ -41,7 +41,7 @@ std::optional<std::string> holder(const MediaKeyReport& report, std::uint32_t co
 }
 
 std::string nameOf(const std::string& backend) {
-  return backend == "x11-grabs" ? "le serveur X" : backend;
+  return backend == "x11-grabs" ? "serveur X" : backend;
 }
 
 }  // namespace
@@ -72,7 +72,7 @@ view::FormSection KeyAccessTab::keys() const {
   view::FormSection section{.header = "Touches de volume et de luminosité",
                             .rows = {row("Interception", interception)},
                             .footer = "valdrix ne reçoit que ces touches, jamais ce que tu tapes."};
-  if (!report.isEmpty()) section.rows.push_back(row("Réservées par", nameOf(report.backend)));
+  if (!report.isEmpty()) section.rows.push_back(row("Moyen", nameOf(report.backend)));
   for (const auto& key : mediaKeys)
     if (const auto name = holder(report, key.code)) section.rows.push_back(row(key.name, *name));
   if (!report.missing.empty()) section.footer = DesktopNotification::mediaKeysTaken().body;
