@@ -5,8 +5,12 @@
 #include <utility>
 
 #include <QByteArray>
+#include <QGuiApplication>
 #include <QJsonArray>
 
+#ifdef VALDRIX_WAYLAND
+#include "desktop/WaylandWindowSystem.h"
+#endif
 #include "desktop/X11WindowSystem.h"
 #ifdef VALDRIX_CALENDAR_SERVER
 #include "desktop/calendarserver/CalendarServerSource.h"
@@ -94,19 +98,28 @@ QString trayName(const TrayItem* item) {
 }  // namespace
 
 const std::vector<DesktopPlatform::Candidate> DesktopPlatform::candidates = {
-    {&X11WindowSystem::isApplicable, &makeWindowSystem<X11WindowSystem>},
+#ifdef VALDRIX_WAYLAND
+    {"wayland", &WaylandWindowSystem::refusal, &makeWindowSystem<WaylandWindowSystem>},
+#endif
+    {"x11", &X11WindowSystem::refusal, &makeWindowSystem<X11WindowSystem>},
 };
 
 std::unique_ptr<DesktopPlatform> DesktopPlatform::make(QtRunLoop& runLoop, SessionBus& bus) {
-  const auto found =
-      std::find_if(candidates.begin(), candidates.end(),
-                   [](const Candidate& candidate) { return candidate.isApplicable(); });
-  if (found == candidates.end()) return nullptr;
-  return std::unique_ptr<DesktopPlatform>(new DesktopPlatform(runLoop, bus, *found));
+  std::string refusals;
+  for (const auto& candidate : candidates) {
+    const auto refusal = candidate.refusal();
+    if (refusal.empty())
+      return std::unique_ptr<DesktopPlatform>(
+          new DesktopPlatform(runLoop, bus, candidate, candidate.name + refusals));
+    refusals += std::string("; not ") + candidate.name + ": " + refusal;
+  }
+  return nullptr;
 }
 
-DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem)
-    : userDefaults_(IniUserDefaults::standardFile()),
+DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem,
+                                 std::string choice)
+    : choice_(std::move(choice)),
+      userDefaults_(IniUserDefaults::standardFile()),
       haptics_(bus),
       notification_(bus),
       audioHardware_(runLoop),
@@ -171,6 +184,8 @@ void DesktopPlatform::connectMenu() {
 
 QJsonObject DesktopPlatform::backends() const {
   QJsonObject backends = windowSystem_->backends();
+  backends["windowSystem"] = QString::fromStdString(choice_);
+  backends["qtPlatform"] = QGuiApplication::platformName();
   backends["runLoop"] = "qt";
   backends["userDefaults"] = "ini";
   backends["haptics"] = "feedback-service";

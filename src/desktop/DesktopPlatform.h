@@ -56,16 +56,22 @@ class DesktopPlatform {
  private:
   /// One way to draw windows.
   struct Candidate {
-    bool (*isApplicable)();
+    const char* name;
+    /// Why it does not apply here; empty when it does.
+    std::string (*refusal)();
     std::unique_ptr<WindowSystem> (*make)(platform::RunLoop&, const QtTextMetrics&, CameraHousings&,
                                           std::function<void()> onKeysTaken);
   };
   /// In the order in which they are tried.
   static const std::vector<Candidate> candidates;
 
-  DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem);
+  /// `choice` says which window system it is and why not another.
+  DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Candidate& windowSystem,
+                  std::string choice);
   /// Leads the window system's own ways to the menu to the menu.
   void connectMenu();
+
+  const std::string choice_;
 
   QtApplication application_;
   IniUserDefaults userDefaults_;

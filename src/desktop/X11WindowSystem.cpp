@@ -7,7 +7,9 @@
 
 namespace valdrix::desktop {
 
-bool X11WindowSystem::isApplicable() { return QGuiApplication::platformName() == "xcb"; }
+std::string X11WindowSystem::refusal() {
+  return QGuiApplication::platformName() == "xcb" ? "" : "Qt runs on no X server";
+}
 
 X11WindowSystem::X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
                                  CameraHousings& housings, std::function<void()> onKeysTaken)

@@ -15,8 +15,8 @@ namespace valdrix::desktop {
 /// Everything that an X server serves.
 class X11WindowSystem final : public WindowSystem {
  public:
-  /// Whether Qt runs on an X server.
-  [[nodiscard]] static bool isApplicable();
+  /// Why this desktop is not to be served by it; empty when it is.
+  [[nodiscard]] static std::string refusal();
   /// `onKeysTaken` is called once when another program has the media keys. The other arguments must
   /// outlive it.
   X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,

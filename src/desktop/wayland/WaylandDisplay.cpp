@@ -2,11 +2,15 @@
 
 #include <set>
 
+#include <QtGlobal>
+
 #include "desktop/wayland/WaylandHandles.h"
 
 namespace valdrix::desktop {
 
 std::string whyNoWaylandPanel() {
+  // Without the name the library would take one that only happens to run, such as a window's.
+  if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) return "WAYLAND_DISPLAY is not set";
   const WaylandOwned<wl_display> display(wl_display_connect(nullptr));
   if (!display) return "no compositor answers";
   using Offers = std::set<std::string>;

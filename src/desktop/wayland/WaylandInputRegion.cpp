@@ -52,7 +52,7 @@ void WaylandInputRegion::setRectangle(const QRect& rectangle) {
   exception_.reset();
   if (hasPointer_ && !rectangle_.contains(pixel(*position_))) exception_ = pixel(*position_);
   if (wasInHole && rectangle_.contains(pixel(*position_))) exception_ = pixel(*position_);
-  if (hasGrown && !hasPointer_ && !exception_) pendingSettling_ = Settling::growth;
+  if (hasGrown && !exception_) pendingSettling_ = std::max(pendingSettling_, Settling::growth);
   update();
 }
 
@@ -94,7 +94,7 @@ void WaylandInputRegion::applyTo(wl_surface* surface) {
 void WaylandInputRegion::committed() {
   if (pendingSettling_ == Settling::nothing) return;
   settling_ = std::exchange(pendingSettling_, Settling::nothing);
-  connection_.afterSettling(lifetime_.weak([this, change = ++changes_] { settled(change); }));
+  handlers_.afterSettling(lifetime_.weak([this, change = ++changes_] { settled(change); }));
 }
 
 void WaylandInputRegion::settled(int change) {

@@ -33,6 +33,8 @@ class WaylandInputRegion {
     std::function<void(bool isPressed)> pressed;
     /// The region is another one: `applyTo` is to be called with the next commit.
     std::function<void()> changed;
+    /// Calls a block when the compositor has taken account of all that was committed.
+    std::function<void(std::function<void()>)> afterSettling;
     /// The place in screen coordinates.
     std::function<view::Point(QPointF position)> locate;
     /// Where the pointer counts as being when it has left the surface from a place.

@@ -64,6 +64,10 @@ WaylandInputRegion::Handlers WaylandPanelWindow::inputHandlers() {
           [this] {
             if (isMapped_) commit();
           },
+      .afterSettling =
+          [this](std::function<void()> block) {
+            services_.connection.afterSettling(std::move(block));
+          },
       .locate = [this](QPointF position) { return toScreen(position); },
       .locateElsewhere =
           [this](QPointF last) {
@@ -127,10 +131,10 @@ void WaylandPanelWindow::setContentView(view::HostingView* content) {
   if (content_) content_->setOnNeedsFrame({});
   content_ = content;
   needsFullPaint_ = true;
+  requestFrame();
   if (!content_) return;
   if (surface_) content_->setScale(surface_->scale());
   content_->setOnNeedsFrame([this] { requestFrame(); });
-  requestFrame();
 }
 
 void WaylandPanelWindow::orderFrontRegardless() {
