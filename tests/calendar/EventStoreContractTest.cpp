@@ -30,8 +30,6 @@ namespace {
 using platform::Event;
 using platform::EventCalendar;
 using platform::Instant;
-using testing::IsEmpty;
-using testing::UnorderedElementsAreArray;
 using namespace std::chrono_literals;
 
 /// An event as another program writes it; all-day ones by days of the system's time zone.

@@ -38,7 +38,6 @@ namespace fs = std::filesystem;
 using std::chrono::hours;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 using Strings = std::vector<std::string>;
 
 std::string utc(platform::Instant instant) {

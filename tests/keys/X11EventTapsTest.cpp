@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,7 +17,6 @@
 namespace valdrix {
 namespace {
 
-using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
