@@ -58,7 +58,7 @@ class RowOf : public FormRowView {
 class ToggleRow final : public RowOf<view::Toggle> {
  public:
   explicit ToggleRow(std::function<void()> didEdit) {
-    setPadding(formStyle::rowPadding, Switch::ringGap);
+    setPadding(formStyle::rowPadding - 1, Switch::ringGap);
     line().addWidget(&title_, 1);
     line().addWidget(&switch_);
     connect(&switch_, &QAbstractButton::clicked, this,

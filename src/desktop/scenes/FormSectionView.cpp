@@ -68,7 +68,7 @@ FormSectionView::Row FormSectionView::takeOrMake(std::vector<Row>& old, const vi
   const auto known = std::ranges::find_if(
       old, [&](const Row& candidate) { return candidate.key == key && candidate.kind == kind; });
   if (known == old.end()) return {std::move(key), kind, FormRowView::make(row, didEdit_).release()};
-  const Row taken = *known;
+  Row taken = *known;
   old.erase(known);
   return taken;
 }

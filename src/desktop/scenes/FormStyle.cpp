@@ -55,7 +55,8 @@ QColor groupFill(const QPalette& palette) {
 QColor hairline(const QPalette& palette) { return shade(palette, 0.12); }
 
 QColor controlFill(const QPalette& palette, bool isHovered) {
-  return shade(palette, isHovered ? 0.18 : 0.1);
+  const double distance = isDark(palette) ? 0.17 : 0.1;
+  return shade(palette, isHovered ? distance + 0.08 : distance);
 }
 
 QColor switchTrack(const QPalette& palette) {
