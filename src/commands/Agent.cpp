@@ -49,6 +49,8 @@ int Agent::run(const desktop::SettingsRequest& settings, bool opensSettings) {
   platform_ = desktop::DesktopPlatform::make(runLoop_, bus_);
   if (!platform_) return fail("ce bureau n'est pas pris en charge");
   app_.emplace(platform_->ports());
+  const Token answers = platform_->privacySettings().observeAnswers(
+      [this] { app_->appDelegate().calendarService().requestAccess(); });
   app_->didFinishLaunching();
   if (opensSettings) openSettings(settings);
   const int result = QCoreApplication::exec();

@@ -1,7 +1,5 @@
 #include "commands/CalendarAccess.h"
 
-#include "desktop/session/PrivacyRecord.h"
-
 namespace valdrix::commands {
 
 std::string requestCalendarAccess(CalendarService& service,
@@ -13,9 +11,8 @@ std::string requestCalendarAccess(CalendarService& service,
     case platform::EventAuthorization::fullAccess:
       return "L'accès aux calendriers est déjà autorisé.";
     case platform::EventAuthorization::denied:
-      return "L'accès aux calendriers a été refusé. Pour que la question soit posée à nouveau, "
-             "supprime " +
-             desktop::PrivacyRecord::standardFile().string() + '.';
+      return "L'accès aux calendriers a été refusé. Les Préférences mènent à la page où "
+             "l'accorder.";
     case platform::EventAuthorization::restricted:
     case platform::EventAuthorization::writeOnly:
       return "L'accès est autorisé, mais le système ne laisse pas lire tes calendriers.";
