@@ -11,6 +11,15 @@ namespace {
 
 /// A menu without a window of its program: nobody else would see to its shortcuts.
 class LoneMenu final : public QMenu {
+ public:
+  LoneMenu() {
+    // Other windows know by its type that a menu belongs above them, our own panel among them. Qt
+    // forgets the type that is set before the window is made.
+    winId();
+    for (const bool isMenu : {false, true})
+      setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, isMenu);
+  }
+
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     const QKeySequence pressed(event->keyCombination());
