@@ -6,8 +6,8 @@
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/ui/QtTextMetrics.h"
 #include "desktop/wayland/WaylandDesktop.h"
-#include "tests/wayland/SwayCompositor.h"
-#include "tests/wayland/WaylandTestClient.h"
+#include "tests/support/SwayCompositor.h"
+#include "tests/support/WaylandTestClient.h"
 #include "tests/x11/DeskWorld.h"
 
 namespace valdrix::tests {
@@ -38,6 +38,7 @@ class WaylandDeskWorld final : public DeskWorld {
 
   [[nodiscard]] desktop::WaylandDesktop& desktop() { return *desktop_; }
   [[nodiscard]] SwayCompositor& compositor() { return *compositor_; }
+  [[nodiscard]] WaylandTestClient& client() { return *client_; }
 
  private:
   desktop::QtTextMetrics textMetrics_;

@@ -1,4 +1,4 @@
-#include "tests/wayland/SwayCompositor.h"
+#include "tests/support/SwayCompositor.h"
 
 #include <algorithm>
 #include <chrono>
@@ -94,6 +94,13 @@ void SwayCompositor::stop() {
 void SwayCompositor::enter() const {
   qputenv("XDG_RUNTIME_DIR", folder().c_str());
   qputenv("WAYLAND_DISPLAY", display_.c_str());
+}
+
+QImage SwayCompositor::screenshot() const {
+  const auto file = folder() + "/screen.ppm";
+  SpawnedProgram grim({"grim", "-t", "ppm", file},
+                      {"XDG_RUNTIME_DIR=" + folder(), "WAYLAND_DISPLAY=" + display_});
+  return grim.wait() == 0 ? QImage(QString::fromStdString(file)) : QImage();
 }
 
 // A question is a magic word, the length of the text, its kind and the text; so is the answer.

@@ -1,4 +1,4 @@
-#include "tests/wayland/WaylandTestClient.h"
+#include "tests/support/WaylandTestClient.h"
 
 #include <cmath>
 #include <cstring>

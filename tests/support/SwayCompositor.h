@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <QByteArray>
+#include <QImage>
 #include <QJsonArray>
 #include <QTemporaryDir>
 
@@ -36,6 +37,8 @@ class SwayCompositor {
   bool start();
   void stop();
 
+  /// What a monitor would show now, in device pixels.
+  [[nodiscard]] QImage screenshot() const;
   /// Carries out one of its commands; whether it could.
   bool command(const std::string& words);
   /// The names of its outputs.
