@@ -11,15 +11,6 @@ namespace {
 
 /// A menu without a window of its program: nobody else would see to its shortcuts.
 class LoneMenu final : public QMenu {
- public:
-  LoneMenu() {
-    // Other windows know by its type that a menu belongs above them, our own panel among them. Qt
-    // forgets the type that is set before the window is made.
-    winId();
-    for (const bool isMenu : {false, true})
-      setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, isMenu);
-  }
-
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     const QKeySequence pressed(event->keyCombination());
@@ -31,6 +22,14 @@ class LoneMenu final : public QMenu {
     QMenu::keyPressEvent(event);
   }
 };
+
+// Other windows know by its type that a menu belongs above them, our own panel among them. Qt sets
+// the type of a window that is there already only, and closing a menu ends its window.
+void declareType(QMenu& menu) {
+  menu.winId();
+  for (const bool isMenu : {false, true})
+    menu.setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, isMenu);
+}
 
 void add(const view::MenuItem& item, QMenu& menu) {
   const auto* command = std::get_if<view::MenuCommand>(&item);
@@ -79,6 +78,7 @@ void TrayMenu::popUp(QPoint position, std::function<void()> onClosed) {
     return;
   }
   onClosed_ = std::move(onClosed);
+  declareType(*menu_);
   menu_->popup(position);
 }
 
