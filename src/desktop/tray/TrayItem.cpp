@@ -14,9 +14,9 @@ TrayItem::TrayItem(SessionBus& bus, TrayLook look, Handlers handlers)
     : bus_(bus),
       look_(std::move(look)),
       ownMenu_(handlers.aboutToShow),
-      busMenu_(menuPath, handlers.aboutToShow),
+      busMenu_(menuPath, std::move(handlers.aboutToShow)),
       item_(look_, menuPath,
-            {.activate = handlers.activate,
+            {.activate = std::move(handlers.activate),
              .showMenu = [this](QPoint position) { popUpMenu(position); }}),
       registration_(bus, {.serve =
                               [this](QDBusConnection& connection) {
