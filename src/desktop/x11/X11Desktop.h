@@ -21,9 +21,8 @@ struct X11Desktop {
   /// `textMetrics` and `housings` must outlive it.
   X11Desktop(const QtTextMetrics& textMetrics, CameraHousings& housings)
       : screens(housings),
-        panelWindows(
-            {connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn,
-             onMenuRequested}) {}
+        panelWindows({connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn,
+                      onMenuRequested}) {}
 
   X11Connection connection;
   X11Screens screens;
