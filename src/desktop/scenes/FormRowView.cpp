@@ -61,7 +61,8 @@ class ToggleRow final : public RowOf<view::Toggle> {
     setPadding(formStyle::rowPadding - 1, Switch::ringGap);
     line().addWidget(&title_, 1);
     line().addWidget(&switch_);
-    connect(&switch_, &QAbstractButton::clicked, this,
+    // Not `clicked`: who flips it by the desktop's accessibility does not click.
+    connect(&switch_, &QAbstractButton::toggled, this,
             [this, edited = std::move(didEdit)](bool isOn) {
               if (set_) set_(isOn);
               edited();
