@@ -10,6 +10,7 @@
 #include "desktop/privacy/CalendarAccessTab.h"
 #include "desktop/privacy/KeyAccessTab.h"
 #include "desktop/scenes/SettingsWindow.h"
+#include "platform/PrivacyLinks.h"
 
 namespace valdrix::desktop {
 
@@ -18,9 +19,8 @@ namespace {
 constexpr view::Size windowSize{520, 460};
 
 /// The links in the order of the tabs that they lead to.
-constexpr std::array<std::string_view, 2> links{
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Calendars",
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"};
+constexpr std::array<std::string_view, 2> links{platform::privacyLinks::calendars,
+                                                platform::privacyLinks::accessibility};
 
 }  // namespace
 
