@@ -45,4 +45,8 @@ std::optional<double> ProcessProbe::proportionalKilobytes() const {
   return field("/proc/" + std::to_string(pid_) + "/smaps_rollup", "Pss");
 }
 
+std::optional<double> ProcessProbe::anonymousKilobytes() const {
+  return field("/proc/" + std::to_string(pid_) + "/smaps_rollup", "Anonymous");
+}
+
 }  // namespace valdrix::bench

@@ -20,6 +20,8 @@ class ProcessProbe {
   [[nodiscard]] std::optional<double> residentKilobytes() const;
   /// The same with each shared page divided by the number of those who share it.
   [[nodiscard]] std::optional<double> proportionalKilobytes() const;
+  /// What it holds of its own: no file backs it, so the system cannot take it back.
+  [[nodiscard]] std::optional<double> anonymousKilobytes() const;
 
  private:
   pid_t pid_;

@@ -11,7 +11,7 @@ void QtApplication::setActivationPolicy(platform::ActivationPolicy policy) {
 
 void QtApplication::activate() {
   for (QWindow* window : QGuiApplication::topLevelWindows()) {
-    if (!window->isVisible()) continue;
+    if (!window->isVisible() || window->flags() & Qt::WindowDoesNotAcceptFocus) continue;
     window->raise();
     window->requestActivate();
   }
