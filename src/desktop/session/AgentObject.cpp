@@ -5,6 +5,8 @@
 #include <utility>
 
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 
 #include "desktop/session/AgentNames.h"
 
@@ -99,6 +101,17 @@ void AgentObject::followPreviewer(const QString& name, QDBusConnection connectio
   // The library's own signal of a lost connection wants a slot by name: a timer has one.
   connection.connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
                      "Disconnected", &loss_, SLOT(start()));
+  // It may have left before the bus knew that we watch it.
+  auto question = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                 "org.freedesktop.DBus", "NameHasOwner");
+  question << name;
+  auto* const answer = new QDBusPendingCallWatcher(connection.asyncCall(question), this);
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, name] {
+    answer->deleteLater();
+    const QDBusPendingReply<bool> isThere = *answer;
+    const bool isWatched = previewer_.watchedServices().contains(name);
+    if (isWatched && isThere.isValid() && !isThere.value()) endPreview();
+  });
 }
 
 void AgentObject::endPreview() {
