@@ -13,7 +13,7 @@ std::string WaylandWindowSystem::refusal() {
 }
 
 WaylandWindowSystem::WaylandWindowSystem(platform::RunLoop&, const QtTextMetrics& textMetrics,
-                                         CameraHousings& housings, std::function<void()>)
+                                         CameraHousings& housings, const std::function<void()>&)
     : desktop_(textMetrics, housings) {
   restartWhereQtWouldEnd();
   desktop_.connection.setOnLost([](bool hasComplained) {

@@ -17,7 +17,7 @@ class WaylandWindowSystem final : public WindowSystem {
   [[nodiscard]] static std::string refusal();
   /// `textMetrics` and `housings` must outlive it; the others are of no use here.
   WaylandWindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
-                      CameraHousings& housings, std::function<void()> onKeysTaken);
+                      CameraHousings& housings, const std::function<void()>& onKeysTaken);
 
   [[nodiscard]] QJsonObject backends() const override;
   [[nodiscard]] QJsonObject mediaKeys() const override { return {}; }

@@ -30,11 +30,13 @@ class WindowSystem {
   [[nodiscard]] virtual std::uint64_t framesDrawn() const = 0;
   /// Calls `block` when the user asks a panel for the menu, with the place in points from the top
   /// left of the screens. Never where a panel cannot be asked.
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
   virtual void setOnMenuRequested(std::function<void(QPoint)> /*block*/) {}
   /// While the token lives panels stay as they are, whatever the pointer does: a menu is open.
   [[nodiscard]] virtual Token holdPanels() { return {}; }
   /// Whether the window system has a tray of its own, and a call whenever that changes.
   [[nodiscard]] virtual bool hasTray() const { return false; }
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
   [[nodiscard]] virtual Token observeTray(std::function<void()> /*block*/) { return {}; }
   /// The preferences may have changed: keys that would be passed on are given back.
   virtual void preferencesChanged() = 0;
