@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -46,11 +47,19 @@ XdgLoginItem::XdgLoginItem(QString program) : program_(std::move(program)) {
 }
 
 QString XdgLoginItem::installedProgram() {
-  const auto running = QCoreApplication::applicationFilePath();
-  const auto found = QStandardPaths::findExecutable(QFileInfo(running).fileName());
+  const QDir folder(QCoreApplication::applicationDirPath());
+  // The agent and the program that becomes it: side by side where they were built, in two folders
+  // where they are installed.
+  auto program = QCoreApplication::applicationFilePath();
+  for (const auto* place : {"valdrix", VALDRIX_PROGRAM_FOLDER "/valdrix"})
+    if (const QFileInfo file(folder.filePath(place)); file.isFile() && file.isExecutable()) {
+      program = QDir::cleanPath(file.absoluteFilePath());
+      break;
+    }
+  const auto found = QStandardPaths::findExecutable("valdrix");
   const bool isSame =
-      QFileInfo(found).canonicalFilePath() == QFileInfo(running).canonicalFilePath();
-  return isSame ? found : running;
+      QFileInfo(found).canonicalFilePath() == QFileInfo(program).canonicalFilePath();
+  return isSame ? found : program;
 }
 
 platform::LoginItem::Status XdgLoginItem::statusOf(const Path& file) {

@@ -16,7 +16,8 @@ class XdgLoginItem final : public platform::LoginItem {
  public:
   /// `program` is what an entry written here starts.
   explicit XdgLoginItem(QString program = installedProgram());
-  /// The running program under the path by which others find it, which outlives its next version.
+  /// The program that people call, for the running agent: under the path by which others find it,
+  /// which outlives its next version.
   [[nodiscard]] static QString installedProgram();
 
   /// An entry that names no program that is there counts as not found.
