@@ -47,17 +47,12 @@ BusObject::Interface StatusNotifierItem::describe(const TrayLook& look, const QS
   registerStatusNotifierTypes();
   const QString title = QString::fromStdString(look.title);
   const auto noPixmaps = QVariant::fromValue(QList<StatusNotifierPixmap>());
-  const auto place = [](const QDBusMessage& call) {
-    return QPoint(call.arguments().at(0).toInt(), call.arguments().at(1).toInt());
-  };
   const auto ignore = [](const QDBusMessage&) {};
   return {
       .name = "org.kde.StatusNotifierItem",
       .methods = {{"Activate", method("ii", [this](const QDBusMessage&) { handlers_.activate(); })},
-                  {"ContextMenu", method("ii",
-                                         [this, place](const QDBusMessage& call) {
-                                           handlers_.showMenu(place(call));
-                                         })},
+                  {"ContextMenu",
+                   method("ii", [this](const QDBusMessage&) { handlers_.showMenu(); })},
                   {"SecondaryActivate", method("ii", ignore)},
                   {"Scroll", method("is", ignore)}},
       .properties = {{"Category", "ApplicationStatus"},

@@ -4,7 +4,6 @@
 #include <string>
 
 #include <QObject>
-#include <QPoint>
 
 #include "desktop/tray/BusObject.h"
 
@@ -23,8 +22,9 @@ class StatusNotifierItem final : public BusObject {
   struct Handlers {
     /// The item itself was clicked, where the bar has no menu on that click.
     std::function<void()> activate;
-    /// The bar wants the menu opened at that place of the screen, in device pixels.
-    std::function<void(QPoint)> showMenu;
+    /// The bar wants the menu opened at the pointer. Bars don't agree on the unit of the place that
+    /// they name.
+    std::function<void()> showMenu;
   };
 
   StatusNotifierItem(const TrayLook& look, const QString& menuPath, Handlers handlers);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
@@ -21,6 +22,19 @@ QDBusMessage watcherCall(const QString& interface, const char* method,
   call.setAutoStartService(false);
   call.setArguments(arguments);
   return call;
+}
+
+// Who is silent may be starting or stuck, and Qt's own icon would wait for it for half a minute.
+StatusNotifierRegistration::State stateAfter(const QDBusError& error) {
+  using State = StatusNotifierRegistration::State;
+  switch (error.type()) {
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+      return State::unknown;
+    default:
+      return State::absent;
+  }
 }
 
 }  // namespace
@@ -79,7 +93,7 @@ void StatusNotifierRegistration::registerItem() {
                      if (isRegistered_)
                        askForHosts();
                      else
-                       setState(State::absent);
+                       setState(stateAfter(done->error()));
                    });
 }
 
@@ -88,12 +102,13 @@ void StatusNotifierRegistration::askForHosts() {
                                 {watcherName, "IsStatusNotifierHostRegistered"});
   auto* answer =
       new QDBusPendingCallWatcher(connection_->asyncCall(call, longestSilence), watcher_.get());
-  QObject::connect(
-      answer, &QDBusPendingCallWatcher::finished, answer, [this](QDBusPendingCallWatcher* done) {
-        done->deleteLater();
-        const auto value = done->reply().arguments().value(0).value<QDBusVariant>();
-        setState(!done->isError() && value.variant().toBool() ? State::shown : State::absent);
-      });
+  QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer,
+                   [this](QDBusPendingCallWatcher* done) {
+                     done->deleteLater();
+                     if (done->isError()) return setState(stateAfter(done->error()));
+                     const auto value = done->reply().arguments().value(0).value<QDBusVariant>();
+                     setState(value.variant().toBool() ? State::shown : State::absent);
+                   });
 }
 
 void StatusNotifierRegistration::setState(State state) {

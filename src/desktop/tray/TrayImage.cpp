@@ -5,7 +5,7 @@
 
 #include <QPainter>
 
-#include "desktop/ui/SymbolIcon.h"
+#include "desktop/ui/SymbolPainting.h"
 
 namespace valdrix::desktop {
 

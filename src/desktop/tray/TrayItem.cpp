@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <QCursor>
+
 namespace valdrix::desktop {
 
 namespace {
@@ -17,7 +19,7 @@ TrayItem::TrayItem(SessionBus& bus, TrayLook look, Handlers handlers)
       busMenu_(menuPath, std::move(handlers.aboutToShow)),
       item_(look_, menuPath,
             {.activate = std::move(handlers.activate),
-             .showMenu = [this](QPoint position) { popUpMenu(position); }}),
+             .showMenu = [this] { popUpMenu(QCursor::pos()); }}),
       registration_(bus, {.serve =
                               [this](QDBusConnection& connection) {
                                 busMenu_.serve(connection);

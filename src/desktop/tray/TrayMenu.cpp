@@ -44,8 +44,9 @@ void add(const view::MenuItem& item, QMenu& menu) {
     action->setShortcut(QKeyCombination(
         Qt::ControlModifier, static_cast<Qt::Key>(QChar::toUpper(command->shortcut->key))));
   action->setShortcutVisibleInContextMenu(true);
-  // Queued, so that the menu is gone from the screen and its grabs are over.
-  QObject::connect(action, &QAction::triggered, action, command->action, Qt::QueuedConnection);
+  // Queued, so that the menu is gone from the screen and its grabs are over. For the menu, because
+  // the action may be gone by then, too.
+  QObject::connect(action, &QAction::triggered, &menu, command->action, Qt::QueuedConnection);
 }
 
 }  // namespace
