@@ -17,6 +17,7 @@ class LaunchAtLoginService {
   [[nodiscard]] bool isEnabled() const { return isEnabled_; }
   /// Asks the desktop for it, whatever is the case now, and shows what came of it.
   void setEnabled(bool isEnabled);
+  /// Asks the desktop how things stand; it may have changed them by itself.
   void refreshStatus();
 
  private:

@@ -15,6 +15,7 @@ struct StatusBadge {
 
   /// What every granted permission shows.
   [[nodiscard]] static StatusBadge granted();
+  /// The symbol in its colour with the label.
   [[nodiscard]] view::Badge body() const;
 };
 

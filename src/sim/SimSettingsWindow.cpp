@@ -82,8 +82,10 @@ bool SimSettingsWindow::flip(std::string_view title) {
 bool SimSettingsWindow::step(std::string_view title, bool isUp) {
   const auto stepper = find<view::Stepper>(title);
   if (!stepper) return false;
-  const auto wanted = std::clamp(stepper->value + (isUp ? stepper->step : -stepper->step),
-                                 stepper->minimum, stepper->maximum);
+  const auto near = std::clamp(stepper->value, stepper->minimum - stepper->step,
+                               stepper->maximum + stepper->step);
+  const auto wanted = std::clamp(near + (isUp ? stepper->step : -stepper->step), stepper->minimum,
+                                 stepper->maximum);
   if (wanted != stepper->value) stepper->set(wanted);
   return true;
 }

@@ -45,6 +45,7 @@ class PrivacySettings {
     return answers_.add(std::move(block));
   }
 
+  /// The window's tabs, in the order of the links.
   [[nodiscard]] view::SettingsScene scene();
   /// The window, while it is open; else null.
   [[nodiscard]] SettingsWindow* window() { return window_.get(); }

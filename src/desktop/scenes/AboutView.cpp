@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include "desktop/scenes/BundledImage.h"

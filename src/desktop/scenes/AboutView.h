@@ -17,6 +17,7 @@ class AboutView final : public QWidget {
   /// `didEdit` is called after each action of the user.
   explicit AboutView(std::function<void()> didEdit, QWidget* parent = nullptr);
 
+  /// Shows this from now on.
   void show(const view::AboutPanel& panel);
 
  private:

@@ -15,7 +15,7 @@
 #include "desktop/scenes/ToggleTitle.h"
 #include "desktop/scenes/ValueSlider.h"
 #include "desktop/ui/QtPath.h"
-#include "desktop/ui/SymbolIcon.h"
+#include "desktop/ui/SymbolPainting.h"
 
 namespace valdrix::desktop {
 
@@ -119,7 +119,6 @@ class BadgeSymbol final : public QWidget {
 class LabeledRowView final : public RowOf<view::LabeledRow> {
  public:
   LabeledRowView() : title_(titleLook), value_(valueLook), badgeLabel_({}) {
-    title_.setBuddy(&value_);
     line().addWidget(&title_, 1);
     line().addWidget(&value_);
     line().addWidget(&badge_);
@@ -136,6 +135,7 @@ class LabeledRowView final : public RowOf<view::LabeledRow> {
     const auto* const badge = std::get_if<view::Badge>(&row.content);
     const auto* const value = std::get_if<view::ValueText>(&row.content);
     value_.setVisible(value);
+    title_.setBuddy(value ? &value_ : nullptr);
     badge_.setVisible(badge);
     if (value) value_.setUtf8(value->text);
     if (!badge) return;

@@ -5,12 +5,12 @@
 #include <utility>
 
 #include <QAccessibleWidget>
-#include <QApplication>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "desktop/scenes/FormSectionView.h"
 #include "desktop/scenes/FormStyle.h"
+#include "desktop/scenes/SettingsWindow.h"
 #include "desktop/scenes/ValueSlider.h"
 
 namespace valdrix::desktop {
@@ -25,6 +25,8 @@ QAccessibleInterface* accessibleFor(const QString&, QObject* object) {
     return new ValueSliderAccessible(*slider);
   if (auto* const group = dynamic_cast<RowGroup*>(object))
     return new QAccessibleWidget(group, QAccessible::Grouping);
+  if (auto* const window = dynamic_cast<SettingsWindow*>(object))
+    return new QAccessibleWidget(window, QAccessible::Window);
   return nullptr;
 }
 
@@ -51,11 +53,13 @@ FormView::FormView(std::function<void()> didEdit, QWidget* parent)
 
 void FormView::show(const view::Form& form) {
   const auto before = controls();
-  const auto focused = std::ranges::find(before, focusWidget()) - before.begin();
+  // The window's, because the form remembers its own also when the focus has gone to the tabs.
+  const auto focused = std::ranges::find(before, window()->focusWidget()) - before.begin();
   const bool hadFocus = std::cmp_less(focused, before.size());
   if (update(form)) orderFocus();
   const auto after = controls();
-  if (hadFocus && !after.empty() && std::ranges::find(after, focusWidget()) == after.end())
+  if (hadFocus && !after.empty() &&
+      std::ranges::find(after, window()->focusWidget()) == after.end())
     after[std::min(static_cast<std::size_t>(focused), after.size() - 1)]->setFocus();
 }
 

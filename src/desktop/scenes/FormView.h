@@ -22,6 +22,7 @@ class FormView final : public QScrollArea {
   /// one, says what the control then shows.
   explicit FormView(std::function<void()> didEdit, QWidget* parent = nullptr);
 
+  /// Shows this from now on; the focus stays where it is, or goes to the nearest control left.
   void show(const view::Form& form);
 
  protected:

@@ -1,9 +1,11 @@
 #include "desktop/scenes/ProminentPushButton.h"
 
+#include <algorithm>
+
 #include <QPainter>
 
 #include "desktop/scenes/FormStyle.h"
-#include "desktop/ui/SymbolIcon.h"
+#include "desktop/ui/SymbolPainting.h"
 
 namespace valdrix::desktop {
 

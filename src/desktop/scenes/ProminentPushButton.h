@@ -11,6 +11,7 @@ class ProminentPushButton final : public QPushButton {
  public:
   explicit ProminentPushButton(QWidget* parent = nullptr);
 
+  /// `symbol` is the name of one of our own, drawn in the text's colour.
   void setLabel(const std::string& symbol, const std::string& title);
 
   [[nodiscard]] QSize sizeHint() const override;

@@ -7,7 +7,7 @@
 #include <QWheelEvent>
 
 #include "desktop/scenes/FormStyle.h"
-#include "desktop/ui/SymbolIcon.h"
+#include "desktop/ui/SymbolPainting.h"
 
 namespace valdrix::desktop {
 

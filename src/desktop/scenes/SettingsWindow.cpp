@@ -5,7 +5,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
 #include <QShortcut>

@@ -13,7 +13,6 @@
 #include "view/SettingsScene.h"
 
 class QAction;
-class QVBoxLayout;
 
 namespace valdrix::desktop {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -109,8 +110,10 @@ void Stepper::write(std::int64_t value) {
 // Steps go out from the described value, which may lie outside the range, and are all told, though
 // the next description has yet to come.
 void Stepper::stepBy(int steps) {
-  const std::int64_t wanted =
-      std::clamp(stepper_.value + steps * stepper_.step, stepper_.minimum, stepper_.maximum);
+  const std::int64_t distance = steps * stepper_.step;
+  const std::int64_t near = std::clamp(stepper_.value, stepper_.minimum - std::abs(distance),
+                                       stepper_.maximum + std::abs(distance));
+  const std::int64_t wanted = std::clamp(near + distance, stepper_.minimum, stepper_.maximum);
   if (wanted == stepper_.value) return;
   stepper_.value = wanted;
   write(wanted);

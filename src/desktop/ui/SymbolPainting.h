@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include <QColor>
-#include <QIcon>
 #include <QRectF>
 
 #include "view/Font.h"
@@ -16,10 +15,5 @@ namespace valdrix::desktop {
 /// paints nothing.
 void paintSymbol(QPainter& painter, std::string_view name, const QRectF& bounds,
                  const QColor& color, view::FontWeight weight = view::FontWeight::regular);
-
-/// A drawn symbol as an icon, crisp at any size and device pixel ratio. Greyed out where the icon
-/// is shown as disabled. A name that is not drawn gives a null icon.
-[[nodiscard]] QIcon symbolIcon(std::string_view name, const QColor& color,
-                               view::FontWeight weight = view::FontWeight::regular);
 
 }  // namespace valdrix::desktop
