@@ -100,7 +100,7 @@ desktop::AgentObject::Handlers Agent::handlers() {
           },
       .quit =
           [] {
-            QCoreApplication::quit();
+            QCoreApplication::exit(0);
             return AgentAnswer{true, {}};
           },
   };

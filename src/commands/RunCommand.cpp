@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QSessionManager>
 
 #include "commands/Agent.h"
 #include "desktop/QtPlatformChoice.h"
@@ -53,7 +54,11 @@ int runAgent(const std::optional<OpenSettings>& opened, int& argc, char** argv) 
   desktop::TerminationSignals signals;
   QApplication::setDesktopFileName("valdrix");
   const QApplication application(arguments.count, arguments.values.data());
-  signals.watch([] { QCoreApplication::quit(); });
+  signals.watch([] { QCoreApplication::exit(0); });
+  // The autostart entry is what starts it with the session.
+  QObject::connect(
+      &application, &QGuiApplication::saveStateRequest, &application,
+      [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
   return Agent().run(settings, opened.has_value());
 }
 

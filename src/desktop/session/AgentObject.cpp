@@ -88,8 +88,9 @@ bool AgentObject::handleMessage(const QDBusMessage& message, const QDBusConnecti
   if (method == std::end(methods)) return false;
   const auto answer = method->call(handlers_, message.arguments());
   const auto text = QString::fromStdString(answer.text);
-  connection.send(answer.isDone ? message.createReply(text)
-                                : message.createErrorReply(AgentNames::refusal, text));
+  if (message.isReplyRequired())
+    connection.send(answer.isDone ? message.createReply(text)
+                                  : message.createErrorReply(AgentNames::refusal, text));
   if (answer.isDone && message.member() == "PreviewHousing")
     followPreviewer(message.service(), connection);
   return true;
