@@ -6,7 +6,6 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusInterface>
 #include <QDBusMetaType>
 #include <QDBusReply>
 #include <QFile>
@@ -79,7 +78,8 @@ class AccessibilityTree {
  private:
   static QDBusConnection connect() {
     const QDBusReply<QString> address =
-        QDBusInterface("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus").call("GetAddress");
+        QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(
+            "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress"));
     return QDBusConnection::connectToBus(address.value(), "accessibility");
   }
 
