@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QPainter>
 #include <QVBoxLayout>
 
 #include "desktop/scenes/BundledImage.h"
@@ -20,6 +21,11 @@ constexpr double titleFactor = 1.7;
 constexpr auto dimmed = view::Prominence::secondary;
 
 }  // namespace
+
+void IconView::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  icon_.paint(&painter, rect());
+}
 
 AboutView::AboutView(std::function<void()> didEdit, QWidget* parent)
     : QWidget(parent),
@@ -40,7 +46,7 @@ AboutView::AboutView(std::function<void()> didEdit, QWidget* parent)
 void AboutView::arrange() {
   for (QLabel* const text :
        {static_cast<QLabel*>(&name_), static_cast<QLabel*>(&version_),
-        static_cast<QLabel*>(&description_), static_cast<QLabel*>(&legalNotice_), &image_})
+        static_cast<QLabel*>(&description_), static_cast<QLabel*>(&legalNotice_)})
     text->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
   image_.setFixedSize(imageSize, imageSize);
   auto* const parts = new QVBoxLayout(this);
@@ -60,8 +66,7 @@ void AboutView::arrange() {
 }
 
 void AboutView::show(const view::AboutPanel& panel) {
-  if (image_.pixmap().isNull() || panel.image != shownImage_)
-    image_.setPixmap(bundledImage(panel.image).pixmap({imageSize, imageSize}, devicePixelRatioF()));
+  if (image_.isEmpty() || panel.image != shownImage_) image_.show(bundledImage(panel.image));
   shownImage_ = panel.image;
   name_.setUtf8(panel.name);
   version_.setUtf8(panel.version);

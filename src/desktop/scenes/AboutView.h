@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include <QIcon>
 #include <QWidget>
 
 #include "desktop/scenes/ProminentPushButton.h"
@@ -10,6 +11,22 @@
 #include "view/SettingsScene.h"
 
 namespace valdrix::desktop {
+
+/// An icon as large as the widget, drawn anew at each scale that it comes to be seen at.
+class IconView final : public QWidget {
+ public:
+  void show(const QIcon& icon) {
+    icon_ = icon;
+    update();
+  }
+  [[nodiscard]] bool isEmpty() const { return icon_.isNull(); }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  QIcon icon_;
+};
 
 /// What the program says of itself, as widgets.
 class AboutView final : public QWidget {
@@ -23,7 +40,7 @@ class AboutView final : public QWidget {
  private:
   void arrange();
 
-  QLabel image_;
+  IconView image_;
   TextLabel name_;
   TextLabel version_;
   TextLabel description_;

@@ -6,24 +6,14 @@
 
 #include <linux/input-event-codes.h>
 
+#include "desktop/screens/InputParts.h"
+
 namespace valdrix::desktop {
 
 namespace {
 
 QPoint pixel(QPointF position) {
   return {static_cast<int>(std::floor(position.x())), static_cast<int>(std::floor(position.y()))};
-}
-
-// A rectangle without one of its pixels.
-QList<QRect> without(const QRect& all, QPoint hole) {
-  QList<QRect> parts{
-      {all.left(), all.top(), all.width(), hole.y() - all.top()},
-      {all.left(), hole.y(), hole.x() - all.left(), 1},
-      {hole.x() + 1, hole.y(), all.right() - hole.x(), 1},
-      {all.left(), hole.y() + 1, all.width(), all.bottom() - hole.y()},
-  };
-  parts.removeIf([](const QRect& part) { return part.isEmpty(); });
-  return parts;
 }
 
 }  // namespace
@@ -34,14 +24,6 @@ WaylandInputRegion::WaylandInputRegion(WaylandConnection& connection, WaylandPoi
 
 bool WaylandInputRegion::isInHole() const {
   return position_ && exception_ == pixel(*position_) && rectangle_.contains(*exception_);
-}
-
-QList<QRect> WaylandInputRegion::parts() const {
-  if (exception_ && rectangle_.contains(*exception_)) return without(rectangle_, *exception_);
-  QList<QRect> parts;
-  if (!rectangle_.isEmpty()) parts.append(rectangle_);
-  if (exception_) parts.append(QRect(*exception_, QSize(1, 1)));
-  return parts;
 }
 
 void WaylandInputRegion::setRectangle(const QRect& rectangle) {
@@ -81,7 +63,7 @@ void WaylandInputRegion::hide() {
 }
 
 void WaylandInputRegion::applyTo(wl_surface* surface) {
-  auto wanted = parts();
+  auto wanted = inputParts(rectangle_, exception_);
   if (isApplied_ && wanted == applied_) return;
   const WaylandOwned<wl_region> region(wl_compositor_create_region(connection_.compositor()));
   for (const QRect& part : wanted)
@@ -189,7 +171,8 @@ void WaylandInputRegion::settle() {
 }
 
 void WaylandInputRegion::update() {
-  if (isShown_ && !(isApplied_ && parts() == applied_)) handlers_.changed();
+  if (isShown_ && !(isApplied_ && inputParts(rectangle_, exception_) == applied_))
+    handlers_.changed();
 }
 
 }  // namespace valdrix::desktop

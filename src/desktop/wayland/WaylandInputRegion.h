@@ -69,7 +69,6 @@ class WaylandInputRegion {
   /// What the compositor has yet to take account of, and may send enter or leave for.
   enum class Settling { nothing, hole, growth, appearance };
 
-  [[nodiscard]] QList<QRect> parts() const;
   [[nodiscard]] bool isInHole() const;
   [[nodiscard]] std::uint32_t kindOfMotion() const;
   void report(std::optional<QPointF> position);

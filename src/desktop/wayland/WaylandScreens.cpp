@@ -1,18 +1,16 @@
 #include "desktop/wayland/WaylandScreens.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace valdrix::desktop {
 
 WaylandScreens::WaylandScreens(WaylandConnection& connection, CameraHousings& housings)
-    : connection_(connection), housings_(housings) {
+    : NotifyingScreens(housings), connection_(connection) {
   if (!connection_.isUsable()) return;
   globals_ = connection_.observeGlobals([this](const WaylandGlobal& global) { add(global); },
                                         [this](std::uint32_t name) { remove(name); });
-  housingsObserver_ = housings.observeChanges([this] { scheduleUpdate(); });
   connection_.roundTrip();
-  known_ = screens();
+  begin();
 }
 
 void WaylandScreens::add(const WaylandGlobal& global) {
@@ -48,18 +46,8 @@ std::vector<platform::Screen> WaylandScreens::screens() const {
   for (const auto& place : places())
     screens.push_back(
         {.name = place.description.name, .frame = place.frame, .scale = place.description.scale()});
-  housings_.applyTo(screens);
+  housings().applyTo(screens);
   return screens;
-}
-
-std::optional<platform::Screen> WaylandScreens::mainScreen() const {
-  const auto all = screens();
-  if (all.empty()) return std::nullopt;
-  return all.front();
-}
-
-Token WaylandScreens::observeChanges(std::function<void()> block) {
-  return observers_.add(std::move(block));
 }
 
 std::optional<WaylandScreens::Place> WaylandScreens::placeFor(const view::Rect& rectangle) const {
@@ -71,22 +59,6 @@ std::optional<WaylandScreens::Place> WaylandScreens::placeFor(const view::Rect& 
     return place.frame.contains(anchor) && anchor.y > place.frame.minY();
   });
   return found == all.end() ? all.front() : *found;
-}
-
-// One change of the arrangement reaches us as many events; in the next turn of the loop all that
-// came with it has been read.
-void WaylandScreens::scheduleUpdate() {
-  if (std::exchange(isUpdateScheduled_, true)) return;
-  QMetaObject::invokeMethod(
-      &context_, [this] { update(); }, Qt::QueuedConnection);
-}
-
-void WaylandScreens::update() {
-  isUpdateScheduled_ = false;
-  auto now = screens();
-  if (now == known_) return;
-  known_ = std::move(now);
-  observers_.notify();
 }
 
 }  // namespace valdrix::desktop

@@ -3,25 +3,19 @@
 #include <memory>
 #include <vector>
 
-#include <QObject>
-
-#include "desktop/screens/CameraHousings.h"
+#include "desktop/screens/NotifyingScreens.h"
 #include "desktop/wayland/WaylandOutput.h"
-#include "observation/Listeners.h"
-#include "platform/Screens.h"
 
 namespace valdrix::desktop {
 
 /// The compositor's outputs, with the camera housing of the built-in panel. No output is the main
 /// one for a compositor, so the one that it announced first is.
-class WaylandScreens final : public platform::Screens {
+class WaylandScreens final : public NotifyingScreens {
  public:
   /// Both must outlive it. Waits until the compositor has described the outputs that it has.
   WaylandScreens(WaylandConnection& connection, CameraHousings& housings);
 
   [[nodiscard]] std::vector<platform::Screen> screens() const override;
-  [[nodiscard]] std::optional<platform::Screen> mainScreen() const override;
-  [[nodiscard]] Token observeChanges(std::function<void()> block) override;
 
   /// Where a window with some rectangle hangs.
   struct Place {
@@ -38,18 +32,10 @@ class WaylandScreens final : public platform::Screens {
   [[nodiscard]] std::vector<Place> places() const;
   void add(const WaylandGlobal& global);
   void remove(std::uint32_t name);
-  void scheduleUpdate();
-  void update();
 
   WaylandConnection& connection_;
-  const CameraHousings& housings_;
   std::vector<std::unique_ptr<WaylandOutput>> outputs_;
-  Listeners<> observers_;
-  std::vector<platform::Screen> known_;
-  bool isUpdateScheduled_ = false;
   Token globals_;
-  Token housingsObserver_;
-  QObject context_;
 };
 
 }  // namespace valdrix::desktop

@@ -5,6 +5,8 @@
 
 #include <xcb/shape.h>
 
+#include "desktop/screens/InputParts.h"
+
 namespace valdrix::desktop {
 
 namespace {
@@ -14,18 +16,6 @@ xcb_rectangle_t asX(const QRect& rectangle, QPoint origin) {
           static_cast<std::int16_t>(rectangle.y() - origin.y()),
           static_cast<std::uint16_t>(rectangle.width()),
           static_cast<std::uint16_t>(rectangle.height())};
-}
-
-// A rectangle without one of its pixels.
-QList<QRect> without(const QRect& all, QPoint hole) {
-  QList<QRect> parts{
-      {all.left(), all.top(), all.width(), hole.y() - all.top()},
-      {all.left(), hole.y(), hole.x() - all.left(), 1},
-      {hole.x() + 1, hole.y(), all.right() - hole.x(), 1},
-      {all.left(), hole.y() + 1, all.width(), all.bottom() - hole.y()},
-  };
-  parts.removeIf([](const QRect& part) { return part.isEmpty(); });
-  return parts;
 }
 
 }  // namespace
@@ -239,15 +229,9 @@ void X11InputRegion::watchWhileLost() {
 }
 
 void X11InputRegion::apply() {
-  QList<QRect> parts;
-  if (exception_ && rectangle_.contains(*exception_)) {
-    parts = without(rectangle_, *exception_);
-  } else {
-    if (!rectangle_.isEmpty()) parts.append(rectangle_);
-    if (exception_) parts.append(QRect(*exception_, QSize(1, 1)));
-  }
   std::vector<xcb_rectangle_t> shape;
-  for (const QRect& part : parts) shape.push_back(asX(part, frame_.topLeft()));
+  for (const QRect& part : inputParts(rectangle_, exception_))
+    shape.push_back(asX(part, frame_.topLeft()));
   xcb_shape_rectangles(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
                        XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
                        static_cast<std::uint32_t>(shape.size()), shape.data());

@@ -8,10 +8,8 @@
 
 namespace valdrix::desktop {
 
-X11Screens::X11Screens(CameraHousings& housings)
-    : housings_(housings),
-      housingsObserver_(housings.observeChanges([this] { scheduleUpdate(); })),
-      known_(screens()) {
+X11Screens::X11Screens(CameraHousings& housings) : NotifyingScreens(housings) {
+  begin();
   QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &context_, [this](QScreen* screen) {
     watch(screen);
     scheduleUpdate();
@@ -55,35 +53,8 @@ std::vector<platform::Screen> X11Screens::screens() const {
     platform::Screen screen{entry.name, entry.points, entry.scale, 0, std::nullopt, std::nullopt};
     screens.push_back(screen);
   }
-  housings_.applyTo(screens);
+  housings().applyTo(screens);
   return screens;
-}
-
-std::optional<platform::Screen> X11Screens::mainScreen() const {
-  const auto all = screens();
-  if (all.empty()) return std::nullopt;
-  return all.front();
-}
-
-Token X11Screens::observeChanges(std::function<void()> block) {
-  return observers_.add(std::move(block));
-}
-
-// One change of the arrangement reaches us as many signals, with screens that overlap in between.
-// A turn of the loop later Qt has read them all.
-void X11Screens::scheduleUpdate() {
-  if (isUpdateScheduled_) return;
-  isUpdateScheduled_ = true;
-  QMetaObject::invokeMethod(
-      &context_, [this] { update(); }, Qt::QueuedConnection);
-}
-
-void X11Screens::update() {
-  isUpdateScheduled_ = false;
-  auto now = screens();
-  if (now == known_) return;
-  known_ = std::move(now);
-  observers_.notify();
 }
 
 }  // namespace valdrix::desktop
