@@ -19,6 +19,7 @@
 #include <QTest>
 
 #include "desktop/scenes/FormView.h"
+#include "tests/support/WaitFor.h"
 
 namespace valdrix::desktop {
 namespace {
@@ -56,7 +57,7 @@ class FormViewTest : public testing::Test {
     form_.resize(520, 460);
     form_.QWidget::show();
     form_.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&form_));
+    EXPECT_TRUE(tests::waitFor([this] { return form_.isActiveWindow(); }));
   }
 
   void show(std::vector<view::FormRow> rows) {

@@ -65,7 +65,7 @@ class SettingsWindowTest : public testing::Test {
   /// Opens the window and waits until its keys work.
   SettingsWindow& open() {
     host_.openSettings(std::nullopt);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(host_.settingsWindow()));
+    EXPECT_TRUE(waitFor([this] { return host_.settingsWindow()->isActiveWindow(); }));
     return *host_.settingsWindow();
   }
   [[nodiscard]] bool isGone() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,7 +52,11 @@ class SwayCompositor {
   void removeOutput(const std::string& name);
 
  private:
-  [[nodiscard]] QByteArray ask(std::uint32_t kind, const std::string& words);
+  /// Sends a question and leaves the connection to the caller.
+  [[nodiscard]] int send(std::uint32_t kind, const std::string& words) const;
+  [[nodiscard]] QByteArray ask(std::uint32_t kind, const std::string& words) const;
+  /// Looks at the names of the outputs each time that there is news of them.
+  bool awaitOutputs(const std::function<bool(const std::vector<std::string>&)>& condition);
   [[nodiscard]] std::string socket(const char* pattern) const;
 
   SwayCompositor* host_;
