@@ -16,11 +16,9 @@ std::string explanation(Answer answer, EventAuthorization status) {
   if (answer == Answer::refused) return "Sans cet accès, l'encoche ne montre que l'heure.";
   if (status != EventAuthorization::fullAccess)
     return "Tu l'as permis, mais le système ne laisse pas valdrix lire tes calendriers. Vérifie "
-           "les "
-           "droits de leurs dossiers.";
+           "les droits de leurs dossiers.";
   return "valdrix les lit sur cet ordinateur, ne les modifie pas et ne les envoie nulle part. Si "
-         "tu "
-         "retires l'accès, la liste se vide aussitôt.";
+         "tu retires l'accès, la liste se vide aussitôt.";
 }
 
 std::string count(int calendars) {

@@ -20,7 +20,8 @@ ActivationToken ActivationToken::take() {
 
 // Qt has no call for it: it looks into the environment when a window asks to be activated.
 void ActivationToken::during(const std::function<void()>& block) const {
-  if (!text_.empty()) qputenv(waylandVariable, QByteArray::fromStdString(text_));
+  if (text_.empty()) return block();
+  qputenv(waylandVariable, QByteArray::fromStdString(text_));
   block();
   qunsetenv(waylandVariable);
 }
