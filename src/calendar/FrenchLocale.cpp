@@ -12,7 +12,10 @@ constexpr std::array<std::string_view, 12> months{"janvier",   "février", "mars
                                                   "mai",       "juin",    "juillet",  "août",
                                                   "septembre", "octobre", "novembre", "décembre"};
 
-std::string twoDigits(unsigned number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+/// A number below 100.
+std::string twoDigits(unsigned number) {
+  return {static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
+}
 
 }  // namespace
 

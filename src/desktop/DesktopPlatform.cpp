@@ -16,7 +16,7 @@
 #include "desktop/calendarserver/CalendarServerSource.h"
 #endif
 #ifdef VALDRIX_UPDATE_CHECK
-#include "desktop/net/HttpsUrlSession.h"
+#include "desktop/session/HttpsUrlSession.h"
 #endif
 #include "desktop/session/NoUrlSession.h"
 #include "desktop/vdir/VdirSource.h"

@@ -56,11 +56,10 @@ const std::vector<Room>& rooms() {
       {"desktop/privacy", {"desktop/scenes", "desktop/calendar"}, {"system", "Qt"}},
       {"desktop",
        {"desktop/ui", "desktop/x11", "desktop/wayland", "desktop/audio", "desktop/display",
-        "desktop/workspace", "desktop/vdir", "desktop/calendarserver", "desktop/net",
-        "desktop/privacy"},
+        "desktop/workspace", "desktop/vdir", "desktop/calendarserver", "desktop/privacy"},
        {"system", "Qt"}},
       {"commands", {"app", "sim", "desktop"}, {"system", "Qt"}},
-      {"main", {"commands"}, {}},
+      {"main", {"commands", "desktop/net"}, {}},
   };
   return theRooms;
 }

@@ -33,7 +33,6 @@ class HttpsServer {
   bool start(const std::string& names = "DNS:localhost,IP:127.0.0.1") {
     const auto file = folder_.filePath("certificate");
     const auto path = file.toStdString();
-    // QProcess forks in a way that the thread sanitizer loses sight of this thread's locks.
     SpawnedProgram({"openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
                     "ec_paramgen_curve:prime256v1", "-nodes", "-subj", "/CN=test", "-addext",
                     "subjectAltName=" + names, "-keyout", path + ".key", "-out", path},

@@ -1,50 +1,16 @@
 // Transfers against a real server on this machine.
 
 #include <cmath>
-#include <condition_variable>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <mutex>
-#include <netdb.h>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "desktop/net/HttpsUrlSession.h"
+#include "desktop/session/HttpsUrlSession.h"
 #include "desktop/session/QtRunLoop.h"
 #include "tests/net/HttpsServer.h"
 #include "tests/support/WaitFor.h"
-
-namespace valdrix::tests {
-namespace {
-
-/// A look-up of names that never ends while it is held.
-struct NameService {
-  std::mutex mutex;
-  std::condition_variable changed;
-  bool isHeld = false;
-  int lookUps = 0;
-};
-NameService& nameService() {
-  static NameService theService;
-  return theService;
-}
-
-}  // namespace
-}  // namespace valdrix::tests
-
-// Stands before the C library's own for every library of this program. It is asked neither for
-// localhost nor for addresses.
-extern "C" int getaddrinfo(const char* /*name*/, const char* /*service*/, const addrinfo* /*hints*/,
-                           addrinfo** /*result*/) {
-  auto& names = valdrix::tests::nameService();
-  std::unique_lock lock(names.mutex);
-  ++names.lookUps;
-  names.changed.wait(lock, [&] { return !names.isHeld; });
-  --names.lookUps;
-  names.changed.notify_all();
-  return EAI_FAIL;
-}
 
 namespace valdrix::tests {
 namespace {
@@ -66,7 +32,8 @@ class HttpsUrlSessionTest : public testing::Test {
   /// `names` are the server's, when they are not its own.
   void restart(const std::string& names) {
     ASSERT_TRUE(names.empty() ? server_.start() : server_.start(names));
-    session_.emplace(runLoop_, desktop::TrustedCertificates{.file = server_.certificate()});
+    session_.emplace(runLoop_, VALDRIX_FETCH);
+    qputenv("SSL_CERT_FILE", server_.certificate().c_str());
   }
   [[nodiscard]] Token start(const std::string& url, double timeout = endless) {
     return session_->data({url, timeout}, [this](std::optional<platform::UrlResponse> response) {
@@ -151,7 +118,7 @@ TEST_F(HttpsUrlSessionTest, OnlyServersThatProveWhoTheyAreAreAsked) {
   EXPECT_EQ(get(server_.url("/")), std::nullopt);
   // Trusted by nobody.
   ASSERT_TRUE(server_.start());
-  session_.emplace(runLoop_);
+  qunsetenv("SSL_CERT_FILE");
   EXPECT_EQ(get(server_.url("/")), std::nullopt);
   EXPECT_EQ(server_.connections, 2);
   for (const auto& url :
@@ -176,29 +143,26 @@ TEST_F(HttpsUrlSessionTest, NobodyWaitsForAServerThatIsNoLongerWanted) {
   server_.replies["/"] = {{}, End::hang};
   server_.replies["/next"] = {ok("1")};
   auto cancelled = start(server_.url("/"));
-  const auto open = start(server_.url("/"));
+  auto open = start(server_.url("/"));
   ASSERT_TRUE(waitFor([this] { return server_.requests.size() == 2; }));
   cancelled.reset();
   EXPECT_TRUE(get(server_.url("/next")));
-  session_.reset();
+  open.reset();
   EXPECT_EQ(completions_, 1);
 }
 
-TEST_F(HttpsUrlSessionTest, NobodyWaitsForANameThatIsNotFound) {
-  auto& names = nameService();
-  const auto hold = [&](bool isHeld) {
-    const std::lock_guard lock(names.mutex);
-    names.isHeld = isHeld;
-    names.changed.notify_all();
-  };
-  const auto lookUps = [&] { return std::lock_guard(names.mutex), names.lookUps; };
-  hold(true);
-  EXPECT_EQ(get("https://late.test/", 0.3), std::nullopt);
-  const auto open = start("https://never.test/");
-  EXPECT_TRUE(waitFor([&] { return lookUps() == 2; }));
-  session_.reset();
-  hold(false);
-  EXPECT_TRUE(waitFor([&] { return lookUps() == 0; }));
+TEST_F(HttpsUrlSessionTest, AProgramThatDoesNotDoItsPartIsAFailure) {
+  QTemporaryDir folder;
+  QFile hanging(folder.filePath("hang"));
+  ASSERT_TRUE(hanging.open(QIODevice::WriteOnly));
+  hanging.write("#!/bin/sh\nexec sleep 1000\n");
+  ASSERT_TRUE(hanging.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+  hanging.close();
+  for (const QString& program :
+       {hanging.fileName(), QString("yes"), QString("true"), QString("echo"), QString("/none")}) {
+    session_.emplace(runLoop_, program);
+    EXPECT_EQ(get(server_.url("/"), 0.1), std::nullopt) << program.toStdString();
+  }
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ std::string part(CURLU* url, CURLUPart which) {
 }
 
 /// Whether the library can do what is needed. One that looks names up in the calling thread could
-/// be neither limited nor stopped meanwhile.
+/// not be limited meanwhile.
 bool isUsable() {
   static const bool isInitialized = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
   return isInitialized &&
@@ -43,14 +43,14 @@ TrustedCertificates TrustedCertificates::ofEnvironment() {
 HttpsTransfer::HttpsTransfer(platform::UrlRequest request, TrustedCertificates certificates)
     : request_(std::move(request)), certificates_(std::move(certificates)) {}
 
-std::optional<platform::UrlResponse> HttpsTransfer::run(const std::stop_token& stop) {
+std::optional<platform::UrlResponse> HttpsTransfer::run() {
   const double seconds = request_.timeout > 0 ? std::min(request_.timeout, longestTimeout) : 0;
   deadline_ = Clock::now() + std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
   const Url first = parse(request_.url.c_str());
   if (!first || !prepare()) return std::nullopt;
   Url next;
   for (int i = 0; i <= mostRedirections; ++i) {
-    if (!get(next ? next : first, stop)) return std::nullopt;
+    if (!get(next ? next : first)) return std::nullopt;
     const char* redirection = nullptr;
     curl_easy_getinfo(easy_.get(), CURLINFO_REDIRECT_URL, &redirection);
     if (redirection == nullptr) return takeResponse();
@@ -75,11 +75,10 @@ bool HttpsTransfer::hasSameHost(const Url& one, const Url& other) {
 
 bool HttpsTransfer::prepare() {
   if (!isUsable()) return false;
-  multi_.reset(curl_multi_init());
   // A header without a value takes the library's own one away.
   headers_.reset(curl_slist_append(nullptr, "Accept:"));
   easy_.reset(curl_easy_init());
-  if (!multi_ || !headers_ || !easy_) return false;
+  if (!headers_ || !easy_) return false;
   bool isDone = true;
   const auto set = [&](CURLoption option, auto value) {
     isDone = isDone && curl_easy_setopt(easy_.get(), option, value) == CURLE_OK;
@@ -100,30 +99,14 @@ bool HttpsTransfer::prepare() {
   return isDone;
 }
 
-bool HttpsTransfer::get(const Url& url, const std::stop_token& stop) {
+bool HttpsTransfer::get(const Url& url) {
   headerSize_ = 0;
   body_.clear();
-  const bool isAsked = curl_easy_setopt(easy_.get(), CURLOPT_CURLU, url.get()) == CURLE_OK &&
-                       curl_multi_add_handle(multi_.get(), easy_.get()) == CURLM_OK;
-  const bool isWhole = isAsked && drive(stop);
-  curl_multi_remove_handle(multi_.get(), easy_.get());
-  return isWhole;
-}
-
-bool HttpsTransfer::drive(const std::stop_token& stop) const {
-  const std::stop_callback wake(stop, [this] { curl_multi_wakeup(multi_.get()); });
-  int running = 1;
-  while (running > 0) {
-    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
-    if (stop.stop_requested() || rest.count() <= 0) return false;
-    if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) return false;
-    if (running > 0)
-      curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(rest.count()), nullptr);
-  }
-  int waiting = 0;
-  const CURLMsg* const message = curl_multi_info_read(multi_.get(), &waiting);
-  return message != nullptr && message->msg == CURLMSG_DONE && message->data.result == CURLE_OK &&
-         hasKnownEnd();
+  const auto rest = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now()).count();
+  return rest > 0 &&
+         curl_easy_setopt(easy_.get(), CURLOPT_TIMEOUT_MS, static_cast<long>(rest)) == CURLE_OK &&
+         curl_easy_setopt(easy_.get(), CURLOPT_CURLU, url.get()) == CURLE_OK &&
+         curl_easy_perform(easy_.get()) == CURLE_OK && hasKnownEnd();
 }
 
 // The library takes a connection that breaks off for the end of a body that has no other.

@@ -4,7 +4,6 @@
 #include <curl/curl.h>
 #include <memory>
 #include <optional>
-#include <stop_token>
 #include <string>
 
 #include "platform/UrlSession.h"
@@ -31,10 +30,10 @@ class HttpsTransfer {
  public:
   HttpsTransfer(platform::UrlRequest request, TrustedCertificates certificates);
 
-  /// Blocks until the whole answer is there, the time is over or `stop` asks for the end; what it
-  /// waits for then goes on without it. The answer may have any status but that of a redirection
-  /// that was not followed.
-  [[nodiscard]] std::optional<platform::UrlResponse> run(const std::stop_token& stop);
+  /// Blocks until the whole answer is there or the time is over; a name that is looked up then goes
+  /// on being looked up. The answer may have any status but that of a redirection that was not
+  /// followed.
+  [[nodiscard]] std::optional<platform::UrlResponse> run();
 
  private:
   struct UrlCleanup {
@@ -45,9 +44,6 @@ class HttpsTransfer {
   };
   struct EasyCleanup {
     void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-  };
-  struct MultiCleanup {
-    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
   };
   using Url = std::unique_ptr<CURLU, UrlCleanup>;
   using Clock = std::chrono::steady_clock;
@@ -60,8 +56,7 @@ class HttpsTransfer {
 
   [[nodiscard]] bool prepare();
   /// Asks for one URL. Whether the whole answer came.
-  [[nodiscard]] bool get(const Url& url, const std::stop_token& stop);
-  [[nodiscard]] bool drive(const std::stop_token& stop) const;
+  [[nodiscard]] bool get(const Url& url);
   [[nodiscard]] bool hasKnownEnd() const;
   [[nodiscard]] platform::UrlResponse takeResponse();
 
@@ -70,9 +65,8 @@ class HttpsTransfer {
   Clock::time_point deadline_{};
   std::size_t headerSize_ = 0;
   std::string body_;
-  // Each is used by those below it.
+  // Used by the one below it.
   std::unique_ptr<curl_slist, ListCleanup> headers_;
-  std::unique_ptr<CURLM, MultiCleanup> multi_;
   std::unique_ptr<CURL, EasyCleanup> easy_;
 };
 
