@@ -1,4 +1,4 @@
-// The window that is asked for, and what is left when the program ends.
+// What is left when the program ends, at whatever moment.
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -11,34 +11,11 @@
 namespace valdrix {
 namespace {
 
-class App : public testing::Test {
- protected:
-  App() {
-    desktop.screens.plugIn({.name = "eDP-1", .frame = {0, 0, 1512, 982}});
-    desktop.audioHardware.addDevice("speakers", 0.5F);
-    desktop.displays.plug(1, true);
-    desktop.runLoop.runPending();
-  }
-
+TEST(App, LeavesNothingBehindWheneverItEnds) {
   sim::SimDesktop desktop;
-};
-
-TEST_F(App, AsksForAWindowThatNeverTakesTheFocus) {
-  ValdrixApp app(desktop.platform());
-  app.didFinishLaunching();
-  const auto* window = desktop.panelWindows.frontWindow();
-  ASSERT_NE(window, nullptr);
-  const auto& configuration = window->configuration();
-  EXPECT_EQ(configuration.level, 26);
-  EXPECT_TRUE(configuration.isBorderless && configuration.canJoinAllSpaces &&
-              configuration.isStationary && configuration.isFullScreenAuxiliary &&
-              configuration.ignoresMouseEvents && configuration.acceptsMouseMovedEvents);
-  EXPECT_FALSE(configuration.isOpaque || configuration.hasShadow || configuration.isMovable ||
-               configuration.isMovableByBackground || configuration.hidesOnDeactivate ||
-               configuration.canBecomeKey || configuration.canBecomeMain);
-}
-
-TEST_F(App, LeavesNothingBehindWheneverItEnds) {
+  desktop.screens.plugIn({.name = "eDP-1", .frame = {0, 0, 1512, 982}});
+  desktop.audioHardware.addDevice("speakers", 0.5F);
+  desktop.displays.plug(1, true);
   const std::vector<std::function<void()>> happenings{
       [] {},
       [&] { desktop.eventTaps.press(0); },
@@ -56,6 +33,8 @@ TEST_F(App, LeavesNothingBehindWheneverItEnds) {
     std::optional<ValdrixApp> app;
     app.emplace(desktop.platform());
     app->didFinishLaunching();
+    EXPECT_FALSE(desktop.panelWindows.frontWindow()->configuration().canBecomeKey)
+        << "it takes the keys from whoever types";
     for (std::size_t i = 0; i < count; ++i) {
       desktop.runLoop.advance(0.3);
       happenings[i]();

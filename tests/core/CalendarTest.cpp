@@ -1,5 +1,4 @@
-// What no scenario can show of the calendar: texts by the table, answers that come from
-// elsewhere.
+// What no scenario can show of the calendar: answers that come from elsewhere.
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -9,8 +8,6 @@
 #include <vector>
 
 #include "calendar/CalendarService.h"
-#include "calendar/DayGroup.h"
-#include "calendar/FrenchLocale.h"
 #include "preferences/PreferenceDefaults.h"
 #include "sim/SimDesktop.h"
 
@@ -19,36 +16,6 @@ namespace {
 
 using platform::Event;
 using platform::EventAuthorization;
-using namespace std::chrono;
-
-TEST(FrenchLocale, NamesDaysAndMonths) {
-  const struct {
-    platform::DateFields fields;
-    const char* text;
-  } rows[]{
-      {{.month = 1, .day = 1, .weekday = 0, .hour = 0, .minute = 0}, "lundi 1 janvier 00:00"},
-      {{.month = 2, .day = 29, .weekday = 1, .hour = 9, .minute = 5}, "mardi 29 février 09:05"},
-      {{.month = 8, .day = 15, .weekday = 5, .hour = 12, .minute = 0}, "samedi 15 août 12:00"},
-      {{.month = 12, .day = 31, .weekday = 6, .hour = 23, .minute = 59},
-       "dimanche 31 décembre 23:59"},
-  };
-  for (const auto& [fields, text] : rows)
-    EXPECT_EQ(frenchLocale.dayText(fields) + ' ' + frenchLocale.timeText(fields), text);
-}
-
-TEST(DayGroups, KeepTheOrderOfWhatStartsTogether) {
-  sim::SimDesktop desktop;
-  const auto now = desktop.userCalendar.now();
-  const auto groups = groupEventsByDay({{.title = "b", .startDate = now},
-                                        {.title = "tomorrow", .startDate = now + days(1)},
-                                        {.title = "a", .startDate = now},
-                                        {.title = "early", .startDate = now - hours(1)}},
-                                       desktop.userCalendar);
-  ASSERT_EQ(groups.size(), 2U);
-  std::string titles;
-  for (const auto& event : groups[0].events) titles += *event.title + ' ';
-  EXPECT_EQ(titles, "early b a ");
-}
 
 /// Answers when, and on which thread, the test does.
 class AskedStore final : public platform::EventStore {

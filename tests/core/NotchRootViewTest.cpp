@@ -200,40 +200,28 @@ TEST_F(NotchRoot, IndicatorRowLiesInTheStripBelowTheNotch) {
   EXPECT_GE(symbol.minY(), 38);
 
   const Rect track = boxOf(Color::white(0.18));
-  EXPECT_NEAR(track.x, left + 18 + 10, 1e-3);
-  EXPECT_NEAR(track.width, 170, 1e-3);
-  EXPECT_NEAR(track.height, 4, 1e-3);
-
+  expectNear(track, {left + 18 + 10, track.y, 170, 4});
   const auto& percent = textItem();
   EXPECT_EQ(percent.text, "50%");
-  EXPECT_EQ(percent.color, Color::white(0.7));
-  const view::Font font{.size = 11,
-                        .weight = view::FontWeight::medium,
-                        .design = view::FontDesign::rounded,
-                        .hasMonospacedDigits = true};
-  EXPECT_EQ(percent.style.font, font);
-  EXPECT_EQ(percent.style.locale, "fr_FR");
+  EXPECT_TRUE(percent.style.font.hasMonospacedDigits);
   EXPECT_NEAR(percent.bounds.midY(), track.midY(), 1e-3);
+  EXPECT_NEAR(percent.bounds.maxX(), middle + 140 - 18, textSlack);
   EXPECT_GE(percent.bounds.minY(), 38);
   EXPECT_LE(percent.bounds.maxY(), 68);
 }
 
 TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
-  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
   const struct {
     bool isVolume;
     float level;
     bool isMuted;
     double width;
     double opacity;
-    const char* text;
   } rows[]{
-      {true, 0.5F, false, 85, 1, "50%"},     {true, 1.0F, false, 170, 1, "100%"},
-      {true, 0.0F, false, 4, 1, "0%"},       {true, 0.01F, false, 4, 1, "1%"},
-      {true, 0.8F, true, 4, 0.35, "80%"},    {true, 1.5F, false, 170, 1, "100%"},
-      {true, -1.0F, false, 4, 1, "0%"},      {true, nan, false, 170, 1, "100%"},
-      {false, 0.25F, false, 42.5, 1, "25%"}, {false, 0.0F, false, 4, 1, "0%"},
-      {false, 0.25F, true, 42.5, 1, "25%"},
+      {true, 0.5F, false, 85, 1},        {true, 0.0F, false, 4, 1},     {true, 0.01F, false, 4, 1},
+      {true, 0.8F, true, 4, 0.35},       {true, 1.5F, false, 170, 1},   {true, -1.0F, false, 4, 1},
+      {true, notANumber, false, 170, 1}, {false, 0.25F, true, 42.5, 1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.level);
@@ -249,9 +237,6 @@ TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
         filled, [&](const auto& item) { return std::abs(item.bounds.x - track.x) < 1e-3; });
     ASSERT_NE(bar, filled.end());
     expectNear(bar->bounds, {track.x, track.y, row.width, 4});
-    EXPECT_NEAR(track.width, 170, 1e-3);
-    EXPECT_NEAR(textItem().bounds.maxX(), middle + 140 - 18, textSlack);
-    EXPECT_EQ(textItem().text, row.text);
   }
 }
 

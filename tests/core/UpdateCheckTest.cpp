@@ -72,27 +72,5 @@ TEST(UpdateCheckService, ComparesWhatWasPublishedWithWhatRuns) {
   }
 }
 
-TEST(UpdateCheckService, TellsViewsOnlyWhatTheyReadAndEndsWithItsOwner) {
-  sim::SimDesktop desktop;
-  std::optional<UpdateCheckService> service;
-  service.emplace(desktop.urlSession, desktop.userCalendar, desktop.bundle);
-  int changes = 0;
-  Observer observer([&] { ++changes; });
-  observer.track([&] {
-    service->checkIfNeeded();
-    return service->hasUpdate();
-  });
-  desktop.runLoop.advance(10);
-  EXPECT_EQ(changes, 0) << "a failed check would be tried again at once, for ever";
-  desktop.urlSession.setAnswer(service->versionURL(), {200, "9"}, 1);
-  service->checkIfNeeded();
-  desktop.runLoop.advance(2);
-  EXPECT_EQ(changes, 1);
-  desktop.runLoop.advance(300);
-  service->checkIfNeeded();
-  service.reset();
-  desktop.runLoop.advance(10);
-}
-
 }  // namespace
 }  // namespace valdrix
