@@ -133,39 +133,5 @@ TEST(Lifecycle, AppearChangeAndDisappear) {
   EXPECT_EQ(told, "gone appear initial3 ");
 }
 
-TEST(Timeline, TicksOnlyWhileItCanBeSeenAndAloneWhatItShows) {
-  Observed<double> opacity(1.0);
-  int outer = 0;
-  int inner = 0;
-  Stage stage(Made{[&] {
-    ++outer;
-    return timeline(1,
-                    [&] {
-                      ++inner;
-                      return label("now");
-                    })
-        .opacity(opacity);
-  }});
-  EXPECT_TRUE(stage.timers.empty());
-  stage.frame();
-  EXPECT_EQ(inner, 1) << "fresh content is not built again";
-  ASSERT_EQ(stage.timers.size(), 1U);
-  EXPECT_EQ(stage.timers[0]->interval, 1);
-  stage.tick();
-  stage.frame();
-  EXPECT_EQ(inner, 2);
-  EXPECT_EQ(outer, 1);
-
-  opacity = 0;
-  stage.frame();
-  EXPECT_TRUE(stage.timers.empty());
-  inner = 0;
-  withAnimation(EaseOut{}, [&] { opacity = 1; });
-  inner = 0;
-  stage.frame();
-  EXPECT_EQ(inner, 0) << "the change that shows it has just built it";
-  EXPECT_EQ(stage.timers.size(), 1U);
-}
-
 }  // namespace
 }  // namespace valdrix::view
