@@ -14,6 +14,8 @@
 #include "desktop/privacy/KeyAccessTab.h"
 #include "desktop/privacy/PrivacySettings.h"
 #include "desktop/session/QtRunLoop.h"
+#include "sim/ManualRunLoop.h"
+#include "tests/session/FakeCalendarSource.h"
 #include "tests/support/WaitFor.h"
 
 namespace valdrix::desktop {
@@ -46,26 +48,6 @@ std::string footer(const view::TabView& tab) {
   return std::get<view::Form>(tab.body()).sections.front().footer;
 }
 
-struct Source final : CalendarSource {
-  [[nodiscard]] Reach reach() const override { return itsReach; }
-  void start() override { isStarted = true; }
-  void stop() override { isStarted = false; }
-  [[nodiscard]] std::vector<platform::EventCalendar> calendars() const override {
-    if (!isStarted) return {};
-    return {{.calendarIdentifier = "1", .title = "a", .sourceTitle = "Travail"},
-            {.calendarIdentifier = "2", .title = "b", .sourceTitle = "Travail"},
-            {.calendarIdentifier = "3", .title = "c"}};
-  }
-  [[nodiscard]] std::vector<platform::Event> events(
-      platform::Instant /*start*/, platform::Instant /*end*/,
-      const std::vector<std::string>& /*identifiers*/) const override {
-    return {};
-  }
-  [[nodiscard]] Token observeChanges(std::function<void()> /*block*/) override { return {}; }
-  Reach itsReach = Reach::readable;
-  bool isStarted = false;
-};
-
 struct NoPrompt final : AccessPrompt {
   void ask(std::function<void(Answer)> /*onAnswer*/) override { FAIL() << "asked again"; }
 };
@@ -80,15 +62,19 @@ class PrivacySettingsTest : public testing::Test {
  protected:
   PrivacySettingsTest() {
     DesktopEventStore::Sources sources;
-    sources.push_back(std::make_unique<Source>());
-    source = static_cast<Source*>(sources.front().get());
+    auto made = std::make_unique<tests::FakeCalendarSource>(
+        CalendarSource::Reach::readable,
+        std::vector<platform::EventCalendar>{
+            {"1", "a", {}, "Travail"}, {"2", "b", {}, "Travail"}, {"3", "c"}});
+    source = made.get();
+    sources.push_back(std::move(made));
     store.emplace(std::move(sources), record, prompt);
   }
   QTemporaryDir folder_;
   QtRunLoop runLoop;
   PrivacyRecord record{folder_.filePath("privacy.conf").toStdString()};
   NoPrompt prompt;
-  Source* source = nullptr;
+  tests::FakeCalendarSource* source = nullptr;
   std::optional<DesktopEventStore> store;
   Trust trust;
 };
@@ -112,7 +98,7 @@ TEST_F(PrivacySettingsTest, CalendarsAreGivenAndTakenBack) {
   flip(false);
   EXPECT_EQ(known, EventAuthorization::denied);
   EXPECT_TRUE(store->calendars().empty());
-  EXPECT_TRUE(waitFor([&] { return lines(*tab).size() == 2 && !source->isStarted; }));
+  EXPECT_TRUE(waitFor([&] { return lines(*tab).size() == 2 && source->stops == 1; }));
   // Not only here can it be given.
   source->itsReach = CalendarSource::Reach::closed;
   record.setCalendars(PrivacyRecord::Answer::allowed);
@@ -166,14 +152,17 @@ TEST_F(PrivacySettingsTest, KeysShowWhoHasThemAndWhoElseShowsThem) {
 }
 
 TEST_F(PrivacySettingsTest, KeysAreFollowedWhileTheyAreShown) {
+  sim::Trace trace;
+  sim::ManualRunLoop clock(trace);
   const KeyAccessTab tab(
-      trust, runLoop,
+      trust, clock,
       [] {
         return MediaKeyReport{"x11-grabs", {0}, {}, {}, {}};
       },
       nullptr);
   trust.isTrusted = false;
-  EXPECT_TRUE(waitFor([&] { return lines(tab)[1] == "Interception: impossible"; }));
+  clock.advance(1.5);
+  EXPECT_EQ(lines(tab)[1], "Interception: impossible");
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 
 #include "desktop/calendar/DesktopEventStore.h"
-#include "observation/Listeners.h"
+#include "tests/session/FakeCalendarSource.h"
 #include "tests/support/WaitFor.h"
 
 namespace valdrix::desktop {
@@ -17,45 +17,9 @@ namespace {
 
 using platform::EventAuthorization;
 using platform::Instant;
+using tests::FakeCalendarSource;
 using Reach = CalendarSource::Reach;
 using Answer = AccessPrompt::Answer;
-
-struct Source final : CalendarSource {
-  Source(Reach itsReach, std::vector<std::string> itsCalendars)
-      : reach_(itsReach), calendars_(std::move(itsCalendars)) {}
-
-  [[nodiscard]] Reach reach() const override { return reach_; }
-  void start() override { ++starts; }
-  void stop() override { ++stops; }
-  [[nodiscard]] std::vector<platform::EventCalendar> calendars() const override {
-    std::vector<platform::EventCalendar> all;
-    for (const auto& identifier : calendars_) all.push_back({identifier, "of " + identifier});
-    return all;
-  }
-  /// One event for each calendar that is asked for, named after it.
-  [[nodiscard]] std::vector<platform::Event> events(
-      Instant start, Instant end, const std::vector<std::string>& identifiers) const override {
-    std::vector<platform::Event> all;
-    for (const auto& identifier : identifiers)
-      all.push_back({.eventIdentifier = identifier,
-                     .title = identifier,
-                     .startDate = start,
-                     .endDate = end,
-                     .calendar = platform::EventCalendar{identifier, ""}});
-    if (far.startDate >= start && far.startDate < end) all.push_back(far);
-    return all;
-  }
-  [[nodiscard]] Token observeChanges(std::function<void()> block) override {
-    return changes.add(std::move(block));
-  }
-
-  Reach reach_;
-  std::vector<std::string> calendars_;
-  platform::Event far{.eventIdentifier = "far", .startDate = Instant::max()};
-  int starts = 0;
-  int stops = 0;
-  Listeners<> changes;
-};
 
 struct Prompt final : AccessPrompt {
   void ask(std::function<void(Answer)> onAnswer) override {
@@ -83,8 +47,9 @@ class DesktopEventStoreTest : public testing::Test {
     sources_.clear();
     for (const auto reach : reaches) {
       // One identifier is everybody's.
-      auto source = std::make_unique<Source>(
-          reach, std::vector<std::string>{"shared", "own" + std::to_string(sources_.size())});
+      auto source = std::make_unique<FakeCalendarSource>(
+          reach, std::vector<platform::EventCalendar>{
+                     {"shared", ""}, {"own" + std::to_string(sources_.size()), ""}});
       sources_.push_back(source.get());
       sources.push_back(std::move(source));
     }
@@ -94,7 +59,7 @@ class DesktopEventStoreTest : public testing::Test {
 
   QTemporaryDir folder_;
   Prompt prompt;
-  std::vector<Source*> sources_;
+  std::vector<FakeCalendarSource*> sources_;
   std::optional<PrivacyRecord> record_;
   std::optional<DesktopEventStore> store_;
 };

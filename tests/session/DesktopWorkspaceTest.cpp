@@ -8,8 +8,6 @@
 #include <unistd.h>
 #include <vector>
 
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -18,6 +16,7 @@
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/workspace/DesktopWorkspace.h"
 #include "tests/session/PrivateBus.h"
+#include "tests/session/RecordingService.h"
 #include "tests/support/WaitFor.h"
 
 namespace valdrix::desktop {
@@ -241,27 +240,6 @@ TEST_F(DesktopWorkspaceTest, LinksGoToTheBrowserAndNonsenseToNobody) {
   EXPECT_FALSE(workspace.open(std::string_view("ical://ekevent/a\0b", 18)));
 }
 
-/// A program on the bus that notes the first call it gets.
-class BusProgram : private QDBusVirtualObject {
- public:
-  explicit BusProgram(const char* name)
-      : connection_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)) {
-    connection_.registerVirtualObject("/", this, QDBusConnection::SubPath);
-    connection_.registerService(name);
-  }
-  ~BusProgram() override { QDBusConnection::disconnectFromBus(connection_.name()); }
-
-  std::vector<QDBusMessage> calls;
-
- private:
-  [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    calls.push_back(message);
-    return connection.send(message.createReply());
-  }
-  QDBusConnection connection_;
-};
-
 TEST_F(DesktopWorkspaceTest, KOrganizerIsToldTheDayWhenItIsThere) {
   ASSERT_TRUE(bus.start());
   ASSERT_TRUE(tests::waitFor([&] { return session.connection().has_value(); }));
@@ -269,7 +247,7 @@ TEST_F(DesktopWorkspaceTest, KOrganizerIsToldTheDayWhenItIsThere) {
   programs.installEntry("org.kde.korganizer", "korganizer");
   EXPECT_TRUE(workspace.open("ical://date/20261118"));
   EXPECT_EQ(programs.nextCall(), Words{"korganizer"});
-  BusProgram korganizer("org.kde.korganizer");
+  tests::RecordingService korganizer("org.kde.korganizer");
   ASSERT_TRUE(tests::waitFor([&] { return !korganizer.calls.empty(); }));
   EXPECT_EQ(korganizer.calls[0].member(), "showDate");
   EXPECT_EQ(korganizer.calls[0].signature(), "(iii)");
