@@ -208,12 +208,15 @@ bool VirtualDisplay::paintsWindows() const {
     xcb_free_pixmap(connection, picture);
     return true;
   };
-  constexpr int mostTries = 1000;
   constexpr int milliseconds = 10;
-  int tries = 0;
-  while (!hasPicture() && ++tries < mostTries) static_cast<void>(awaitsEvent(milliseconds));
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  bool isPainted = hasPicture();
+  while (!isPainted && std::chrono::steady_clock::now() < deadline) {
+    static_cast<void>(awaitsEvent(milliseconds));
+    isPainted = hasPicture();
+  }
   xcb_destroy_window(connection, window);
-  return tries < mostTries;
+  return isPainted;
 }
 
 void VirtualDisplay::stopCompositor() {

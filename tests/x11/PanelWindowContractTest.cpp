@@ -26,6 +26,9 @@ TEST_P(PanelWindowContract, AcceptsClicksOnlyInsideTheTrackedRectangle) {
     world->move(panel.at(place.dx, place.down));
     EXPECT_NE(world->clickReachesDesktop(), place.isPanels);
   }
+  panel.track({0, 0});
+  world->move(panel.at(0, 0));
+  EXPECT_TRUE(world->clickReachesDesktop()) << "nothing is inside an empty one";
 }
 
 TEST_P(PanelWindowContract, LetsEverythingThroughWhileItIgnoresTheMouse) {
@@ -97,15 +100,6 @@ TEST_P(PanelWindowContract, ChangesUnderARestingPointerWaitForItsNextMotion) {
   panel.track({100, 32});
   EXPECT_FALSE(world->clickReachesDesktop());
   world->move(panel.at(2, 60));
-  EXPECT_TRUE(world->clickReachesDesktop());
-}
-
-TEST_P(PanelWindowContract, AnEmptyTrackedRectangleTakesNothing) {
-  TestPanel panel(*world);
-  panel.show();
-  panel.accept();
-  panel.track({0, 0});
-  world->move(panel.at(0, 0));
   EXPECT_TRUE(world->clickReachesDesktop());
 }
 
