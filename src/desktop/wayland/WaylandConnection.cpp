@@ -15,6 +15,9 @@ constexpr std::uint32_t compositorVersion = 4;
 constexpr std::uint32_t layerShellVersion = 4;
 constexpr std::uint32_t outputManagerVersion = 3;
 
+// A rule of an interface was broken, or one of the display's own.
+bool isComplaint(int error) { return error == EPROTO || error == EINVAL || error == EFAULT; }
+
 }  // namespace
 
 struct WaylandConnection::Barrier {
@@ -25,7 +28,10 @@ struct WaylandConnection::Barrier {
 };
 
 WaylandConnection::WaylandConnection() : display_(wl_display_connect(nullptr)) {
-  if (!display_) return;
+  if (!display_) {
+    lose();
+    return;
+  }
   static constexpr wl_registry_listener listener{
       .global =
           [](void* data, wl_registry*, std::uint32_t name, const char* interface,
@@ -39,7 +45,7 @@ WaylandConnection::WaylandConnection() : display_(wl_display_connect(nullptr)) {
   };
   registry_.reset(wl_display_get_registry(display_.get()));
   wl_registry_add_listener(registry_.get(), &listener, this);
-  isLost_ = wl_display_roundtrip(display_.get()) < 0;
+  roundTrip();
   if (!isUsable()) return;
 
   const int socket = wl_display_get_fd(display_.get());
@@ -118,8 +124,7 @@ void WaylandConnection::read() {
 }
 
 void WaylandConnection::roundTrip() {
-  if (!isUsable()) return;
-  if (wl_display_roundtrip(display_.get()) < 0) lose();
+  if (!isLost_ && wl_display_roundtrip(display_.get()) < 0) lose();
 }
 
 void WaylandConnection::flush() {
@@ -131,12 +136,12 @@ void WaylandConnection::flush() {
 
 void WaylandConnection::lose() {
   if (std::exchange(isLost_, true)) return;
-  readable_->setEnabled(false);
-  writable_->setEnabled(false);
+  for (auto* const notifier : {readable_.get(), writable_.get()})
+    if (notifier) notifier->setEnabled(false);
   QMetaObject::invokeMethod(
       &context_,
       [this] {
-        const bool hasComplained = wl_display_get_error(display_.get()) == EPROTO;
+        const bool hasComplained = display_ && isComplaint(wl_display_get_error(display_.get()));
         if (const auto tell = std::exchange(onLost_, nullptr)) tell(hasComplained);
       },
       Qt::QueuedConnection);

@@ -33,14 +33,15 @@ class WaylandConnection {
   WaylandConnection& operator=(const WaylandConnection&) = delete;
 
   /// Whether panels can be shown through it (see `whyNoWaylandPanel`).
-  [[nodiscard]] bool isUsable() const { return layerShell_ && !isLost_; }
+  [[nodiscard]] bool isUsable() const { return compositor_ && shm_ && layerShell_ && !isLost_; }
 
   /// Calls `added` for what the compositor offers already and whenever it offers more, and
   /// `removed` when something is withdrawn.
   [[nodiscard]] Token observeGlobals(std::function<void(const WaylandGlobal&)> added,
                                      std::function<void(std::uint32_t name)> removed);
-  /// Called once, in a turn of its own, when the connection has ended: the compositor has gone or,
-  /// when it `hasComplained`, thinks that this program broke a protocol's rule.
+  /// Called once, in a turn of its own, when the connection has ended, even while it was made: the
+  /// compositor has gone or, when it `hasComplained`, thinks that this program broke a protocol's
+  /// rule.
   void setOnLost(std::function<void(bool hasComplained)> onLost) { onLost_ = std::move(onLost); }
 
   /// Binds `global` at `version` at most.
