@@ -68,8 +68,8 @@ void enter(platform::Screen& screen, const view::Rect& cutout) {
 std::optional<view::Rect> onScreen(const view::Rect& cutout, view::Size panel,
                                    const platform::Screen& screen) {
   const double factor = screen.frame.width / panel.width;
-  if (std::abs(panel.height * factor - screen.frame.height) * screen.scale > 1.5)
-    return std::nullopt;
+  // Desktops cut fractions of a point off both sides.
+  if (std::abs(panel.height * factor - screen.frame.height) > 1.5) return std::nullopt;
   return view::Rect{cutout.x * factor, cutout.y * factor, cutout.width * factor,
                     cutout.height * factor};
 }
@@ -189,8 +189,10 @@ std::optional<CameraHousings::Panel> CameraHousings::kernelPanel(
     const platform::Screen& screen) const {
   const double width = screen.frame.width * screen.scale;
   const double height = screen.frame.height * screen.scale;
-  // A 16:10 picture leaves the rows beside the housing out.
-  if (!(kernelNotchHeight_ > 0) || height - kernelNotchHeight_ < width * 0.625 - 1)
+  // A 16:10 picture leaves the rows beside the housing out, one on its side has them elsewhere.
+  const bool isOnSide = height > width;
+  if (!(kernelNotchHeight_ > 0) || isOnSide ||
+      height - kernelNotchHeight_ < width * 0.625 - 1.5 * screen.scale)
     return std::nullopt;
   return Panel{
       width, height, centredCutout(width, {width * usualHousingShare, kernelNotchHeight_}), {}};

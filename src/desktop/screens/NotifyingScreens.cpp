@@ -24,6 +24,11 @@ void NotifyingScreens::scheduleUpdate() {
       &context_, [this] { update(); }, Qt::QueuedConnection);
 }
 
+void NotifyingScreens::scheduleReplacement() {
+  known_.reset();
+  scheduleUpdate();
+}
+
 void NotifyingScreens::update() {
   isUpdateScheduled_ = false;
   auto now = screens();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include <QObject>
@@ -26,6 +27,8 @@ class NotifyingScreens : public platform::Screens {
   /// The arrangement may have changed. One change comes as many events, with screens that overlap
   /// in between; in the next turn of the loop all of them have been read.
   void scheduleUpdate();
+  /// A screen has gone. What was shown there has gone with it, even if all looks the same by then.
+  void scheduleReplacement();
   [[nodiscard]] const CameraHousings& housings() const { return housings_; }
 
  private:
@@ -33,7 +36,7 @@ class NotifyingScreens : public platform::Screens {
 
   const CameraHousings& housings_;
   Listeners<> observers_;
-  std::vector<platform::Screen> known_;
+  std::optional<std::vector<platform::Screen>> known_;
   bool isUpdateScheduled_ = false;
   Token housingsObserver_;
   QObject context_;

@@ -22,7 +22,8 @@ void WaylandScreens::add(const WaylandGlobal& global) {
 void WaylandScreens::remove(std::uint32_t name) {
   const auto removed =
       std::erase_if(outputs_, [&](const auto& output) { return output->globalName() == name; });
-  if (removed > 0) scheduleUpdate();
+  // One that comes in its stead may look the same, and yet what stood on this one is gone.
+  if (removed > 0) scheduleReplacement();
 }
 
 std::vector<WaylandScreens::Place> WaylandScreens::places() const {
@@ -33,6 +34,7 @@ std::vector<WaylandScreens::Place> WaylandScreens::places() const {
     const QRect& area = description.logical;
     const QRect main = places.empty() ? area : places.front().description.logical;
     places.push_back({output->get(),
+                      output->globalName(),
                       description,
                       {static_cast<double>(area.x() - main.x()),
                        static_cast<double>(main.y() + main.height() - area.y() - area.height()),

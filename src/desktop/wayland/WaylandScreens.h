@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,7 @@ class WaylandScreens final : public NotifyingScreens {
   /// Where a window with some rectangle hangs.
   struct Place {
     wl_output* output;
+    std::uint32_t globalName;  ///< of the output, which no later one has
     WaylandOutput::Description description;
     view::Rect frame;  ///< the output's, in screen coordinates
     bool operator==(const Place&) const = default;
