@@ -68,38 +68,31 @@ class WaylandSeats::Seat {
   wl_surface* surface_ = nullptr;  ///< the one that its pointer is on
 };
 
-const wl_pointer_listener WaylandSeats::Seat::pointerListener{
-    .enter =
-        [](void* data, wl_pointer*, std::uint32_t serial, wl_surface* surface, wl_fixed_t x,
-           wl_fixed_t y) {
-          self(data).enter(serial, surface, {wl_fixed_to_double(x), wl_fixed_to_double(y)});
-        },
-    .leave =
-        [](void* data, wl_pointer*, std::uint32_t, wl_surface* surface) {
-          auto& seat = self(data);
-          auto* const region = seat.target();
-          seat.leave(surface);
-          if (region) region->left();
-        },
-    .motion =
-        [](void* data, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {
-          if (auto* const region = self(data).target())
-            region->moved({wl_fixed_to_double(x), wl_fixed_to_double(y)});
-        },
-    .button =
-        [](void* data, wl_pointer*, std::uint32_t, std::uint32_t, std::uint32_t button,
-           std::uint32_t state) {
-          if (auto* const region = self(data).target())
-            region->button(button, state == WL_POINTER_BUTTON_STATE_PRESSED);
-        },
-    .axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {},
-    // Of later versions, which are not asked for.
-    .frame = nullptr,
-    .axis_source = nullptr,
-    .axis_stop = nullptr,
-    .axis_discrete = nullptr,
-    .axis_value120 = nullptr,
-};
+// Later versions have more events, which are not asked for.
+const wl_pointer_listener WaylandSeats::Seat::pointerListener = [] {
+  wl_pointer_listener listener{};
+  listener.enter = [](void* data, wl_pointer*, std::uint32_t serial, wl_surface* surface,
+                      wl_fixed_t x, wl_fixed_t y) {
+    self(data).enter(serial, surface, {wl_fixed_to_double(x), wl_fixed_to_double(y)});
+  };
+  listener.leave = [](void* data, wl_pointer*, std::uint32_t, wl_surface* surface) {
+    auto& seat = self(data);
+    auto* const region = seat.target();
+    seat.leave(surface);
+    if (region) region->left();
+  };
+  listener.motion = [](void* data, wl_pointer*, std::uint32_t, wl_fixed_t x, wl_fixed_t y) {
+    if (auto* const region = self(data).target())
+      region->moved({wl_fixed_to_double(x), wl_fixed_to_double(y)});
+  };
+  listener.button = [](void* data, wl_pointer*, std::uint32_t, std::uint32_t, std::uint32_t button,
+                       std::uint32_t state) {
+    if (auto* const region = self(data).target())
+      region->button(button, state == WL_POINTER_BUTTON_STATE_PRESSED);
+  };
+  listener.axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {};
+  return listener;
+}();
 
 WaylandSeats::WaylandSeats(WaylandConnection& connection, WaylandCursor& cursor)
     : connection_(connection), cursor_(cursor) {

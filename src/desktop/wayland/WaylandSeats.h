@@ -31,8 +31,8 @@ class WaylandSeats {
 
   WaylandConnection& connection_;
   WaylandCursor& cursor_;
-  std::map<std::uint32_t, std::unique_ptr<Seat>> seats_;
   std::map<wl_surface*, Target> targets_;
+  std::map<std::uint32_t, std::unique_ptr<Seat>> seats_;
   Token globals_;
 };
 
