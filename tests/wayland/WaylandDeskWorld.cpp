@@ -120,6 +120,7 @@ void WaylandDeskWorld::setMonitors(const std::vector<Monitor>& monitors) {
 }
 
 std::vector<std::string> deskWorldNames() { return {"wayland"}; }
+std::vector<std::string> dragWorldNames() { return {}; }
 std::vector<std::string> screenWorldNames() { return {"waylandNested"}; }
 
 std::unique_ptr<DeskWorld> makeDeskWorld(const std::string& name) {

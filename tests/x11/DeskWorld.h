@@ -53,8 +53,7 @@ class DeskWorld {
   /// What the desktop calls the monitor of that name.
   virtual std::string nameOf(const std::string& monitor) { return monitor; }
 
-  /// Whether programs are told of the pointer only while it is over their windows, and of no drag
-  /// that began in another's.
+  /// Whether programs are told of the pointer only while it is over their windows.
   [[nodiscard]] virtual bool hearsOnlyOfItsOwnWindows() const { return false; }
   /// Whether it looks at what a window takes only when the pointer moves, so that clicks go where
   /// they went until then.
@@ -63,8 +62,10 @@ class DeskWorld {
 
 // What the desktops of one test program are.
 [[nodiscard]] std::unique_ptr<DeskWorld> makeDeskWorld(const std::string& name);
-/// Those for panels and pointer, and those whose monitors can be changed.
+/// Those for panels and pointer, those of them whose programs hear of drags that began in another's
+/// window, and those whose monitors can be changed.
 [[nodiscard]] std::vector<std::string> deskWorldNames();
+[[nodiscard]] std::vector<std::string> dragWorldNames();
 [[nodiscard]] std::vector<std::string> screenWorldNames();
 [[nodiscard]] inline std::string deskWorldName(const testing::TestParamInfo<std::string>& info) {
   return info.param;

@@ -191,6 +191,7 @@ void X11DeskWorld::removeMonitors() {
 std::vector<std::string> deskWorldNames() {
   return {"simulated", "x11", "x11WithCompositor", "x11WithWindowManager"};
 }
+std::vector<std::string> dragWorldNames() { return deskWorldNames(); }
 std::vector<std::string> screenWorldNames() { return {"simulated", "x11"}; }
 
 std::unique_ptr<DeskWorld> makeDeskWorld(const std::string& name) {
