@@ -48,7 +48,7 @@ class WaylandInputRegionTest : public testing::Test {
       connection,
       pointer,
       {.moved = [](std::optional<QPointF>, bool) {},
-       .pressed = [this](bool isPressed) { presses += isPressed ? 1 : 0; },
+       .pressed = [this](QPointF, bool isPressed) { presses += isPressed ? 1 : 0; },
        .changed = [] {},
        .afterSettling =
            [this](std::function<void()> block) { waiting.push_back(std::move(block)); },
@@ -57,8 +57,8 @@ class WaylandInputRegionTest : public testing::Test {
              return view::Point{position.x(), -position.y()};
            },
        .locateElsewhere =
-           [](QPointF last) {
-             return view::Point{last.x(), -1000};
+           [](view::Point last) {
+             return view::Point{last.x, -1000};
            }}};
 };
 
@@ -102,6 +102,21 @@ TEST_F(WaylandInputRegionTest, AShrunkRegionIsLeftOnce) {
   region.moved({50, 21});
   region.left();
   EXPECT_THAT(listen(), ElementsAre("global"));
+}
+
+// A compositor that arranges its screens anew may move the pointer as well.
+TEST_F(WaylandInputRegionTest, APointerThatIsNotThereWhenThePanelIsBackHasLeft) {
+  for (const bool isBack : {true, false}) {
+    region.entered({50, 20});
+    listen();
+    region.hide();
+    region.show();
+    region.committed();
+    if (isBack) region.entered({50, 20});
+    settle();
+    EXPECT_EQ(listen().empty(), isBack);
+    EXPECT_EQ(pointer.mouseLocation(), (view::Point{50, isBack ? -20.0 : -1000.0}));
+  }
 }
 
 // A quick pointer has left the collapsed panel when the expanded one is not there yet.

@@ -32,8 +32,9 @@ void WaylandInputRegion::setRectangle(const QRect& rectangle) {
   const bool wasInHole = isInHole();
   rectangle_ = rectangle;
   exception_.reset();
-  if (hasPointer_ && !rectangle_.contains(pixel(*position_))) exception_ = pixel(*position_);
-  if (wasInHole && rectangle_.contains(pixel(*position_))) exception_ = pixel(*position_);
+  // It stays ours where it was, and in a hole stays the others' as long as there is one.
+  if ((hasPointer_ || wasInHole) && rectangle_.contains(pixel(*position_)) == wasInHole)
+    exception_ = pixel(*position_);
   if (hasGrown && !exception_) pendingSettling_ = std::max(pendingSettling_, Settling::growth);
   update();
 }
@@ -54,6 +55,7 @@ void WaylandInputRegion::show() {
 }
 
 void WaylandInputRegion::hide() {
+  if (position_) pointer_.setOutOfSight();
   isShown_ = false;
   hasPointer_ = false;
   position_.reset();
@@ -82,7 +84,9 @@ void WaylandInputRegion::committed() {
 void WaylandInputRegion::settled(int change) {
   if (change != changes_) return;
   settling_ = Settling::nothing;
-  if (std::exchange(hasLeftUnsettled_, false)) report(std::nullopt);
+  // While it was hidden nobody heard the pointer leave.
+  const bool hasLeftUnseen = !hasPointer_ && pointer_.isOutOfSight();
+  if (std::exchange(hasLeftUnsettled_, false) || hasLeftUnseen) report(std::nullopt);
 }
 
 void WaylandInputRegion::entered(QPointF position) {
@@ -134,7 +138,7 @@ void WaylandInputRegion::button(std::uint32_t button, bool isPressed) {
   if (button == BTN_RIGHT) isRightHeld_ = isPressed;
   if (button != BTN_LEFT) return;
   isMainHeld_ = isPressed;
-  if (!ignoresMouseEvents_) handlers_.pressed(isPressed);
+  if (!ignoresMouseEvents_ && position_) handlers_.pressed(*position_, isPressed);
 }
 
 std::uint32_t WaylandInputRegion::kindOfMotion() const {
@@ -144,14 +148,12 @@ std::uint32_t WaylandInputRegion::kindOfMotion() const {
 }
 
 void WaylandInputRegion::report(std::optional<QPointF> position) {
-  const auto last = std::exchange(position_, position);
+  position_ = position;
   exception_.reset();
   const bool isInside = position && rectangle_.contains(pixel(*position));
   const bool isOurs = isInside && !ignoresMouseEvents_;
-  if (position)
-    pointer_.setLocation(handlers_.locate(*position));
-  else if (last)
-    pointer_.setLocation(handlers_.locateElsewhere(*last));
+  pointer_.setLocation(position ? handlers_.locate(*position)
+                                : handlers_.locateElsewhere(pointer_.mouseLocation()));
   // Those who are told may replace the window.
   const auto isAlive = lifetime_.weak([] { return true; });
   // Whoever was told of a place outside need not hear that the surface has been left as well.

@@ -29,16 +29,16 @@ class WaylandInputRegion {
     /// The pointer moved to a place, and whether that is inside the rectangle; no place when it
     /// left the surface.
     std::function<void(std::optional<QPointF> position, bool isInside)> moved;
-    /// The main button went down or up where the pointer was last.
-    std::function<void(bool isPressed)> pressed;
+    /// The main button went down or up.
+    std::function<void(QPointF position, bool isPressed)> pressed;
     /// The region is another one: `applyTo` is to be called with the next commit.
     std::function<void()> changed;
     /// Calls a block when the compositor has taken account of all that was committed.
     std::function<void(std::function<void()>)> afterSettling;
     /// The place in screen coordinates.
     std::function<view::Point(QPointF position)> locate;
-    /// Where the pointer counts as being when it has left the surface from a place.
-    std::function<view::Point(QPointF last)> locateElsewhere;
+    /// Where the pointer counts as being when it has left from a place in screen coordinates.
+    std::function<view::Point(view::Point last)> locateElsewhere;
   };
 
   /// `connection` and `pointer` must outlive it.

@@ -1,5 +1,6 @@
 #include "desktop/wayland/WaylandPanelWindow.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -59,7 +60,7 @@ WaylandInputRegion::Handlers WaylandPanelWindow::inputHandlers() {
   return {
       .moved = [this](std::optional<QPointF> position,
                       bool isInside) { pointerMoved(position, isInside); },
-      .pressed = [this](bool isPressed) { pointerPressed(isPressed); },
+      .pressed = [this](QPointF position, bool isPressed) { pointerPressed(position, isPressed); },
       .changed =
           [this] {
             if (isMapped_) commit();
@@ -70,8 +71,8 @@ WaylandInputRegion::Handlers WaylandPanelWindow::inputHandlers() {
           },
       .locate = [this](QPointF position) { return toScreen(position); },
       .locateElsewhere =
-          [this](QPointF last) {
-            return view::Point{toScreen(last).x, place_ ? place_->frame.minY() : 0};
+          [this](view::Point last) {
+            return view::Point{last.x, elsewhere()};
           },
   };
 }
@@ -96,12 +97,14 @@ void WaylandPanelWindow::makeSurface() {
   if (!services_.connection.isUsable() || !place_ || frame_.isEmpty()) return;
   surface_ = std::make_unique<WaylandLayerSurface>(
       services_.connection, *place_, frame_, takesKeyboard_,
-      WaylandLayerSurface::Handlers{.configured = [this] { drawFrame(); },
+      WaylandLayerSurface::Handlers{.configured = [this] { configured(); },
                                     .frameShown = [this] { frameShown(); },
                                     .scaleChanged = [this] { rescale(); },
                                     .closed = [this] { endSurface(); }});
+  // What is computed from sizes in whole pixels may be a little more than was meant.
+  constexpr double tolerance = 0.01;
   seatsTarget_ = services_.seats.attach(surface_->get(), inputRegion_,
-                                        static_cast<int>(std::ceil(surface_->scale())));
+                                        static_cast<int>(std::ceil(surface_->scale() - tolerance)));
   rescale();
   inputRegion_.show();
   // The compositor answers with the surface's configuration.
@@ -120,6 +123,7 @@ void WaylandPanelWindow::endSurface() {
 
 void WaylandPanelWindow::rescale() {
   buffers_.setSize(surface_->pictureSize());
+  damage_ = QRect(QPoint(), buffers_.size());
   inked_ = {};
   needsFullPaint_ = true;
   if (content_) content_->setScale(surface_->scale());
@@ -139,7 +143,7 @@ void WaylandPanelWindow::setContentView(view::HostingView* content) {
 
 void WaylandPanelWindow::orderFrontRegardless() {
   isShown_ = true;
-  if (!surface_) makeSurface();
+  place();
 }
 
 void WaylandPanelWindow::orderOut() {
@@ -161,7 +165,7 @@ void WaylandPanelWindow::setTrackedRectangle(const view::Rect& rectangle) {
 
 void WaylandPanelWindow::applyTrackedRectangle() {
   if (!place_) return;
-  const auto origin = toContent({0, 0});
+  const auto origin = toWindow({0, 0});
   const QRect pixels = pixelsInside({trackedRectangle_.x - origin.x, trackedRectangle_.y - origin.y,
                                      trackedRectangle_.width, trackedRectangle_.height});
   inputRegion_.setRectangle(pixels.intersected(QRect(QPoint(), frame_.size())));
@@ -180,6 +184,14 @@ void WaylandPanelWindow::requestFrame() {
           drawFrame();
       },
       Qt::QueuedConnection);
+}
+
+// The first picture waits for the loop's next turn: some compositors tell the scale after this.
+void WaylandPanelWindow::configured() {
+  if (isMapped_)
+    commit();
+  else
+    requestFrame();
 }
 
 void WaylandPanelWindow::frameShown() {
@@ -253,15 +265,23 @@ view::Point WaylandPanelWindow::toScreen(QPointF position) const {
           place_->frame.maxY() - frame_.top() - std::floor(position.y())};
 }
 
+view::Point WaylandPanelWindow::toWindow(QPointF position) const {
+  return {place_->frame.minX() + frame_.left() + position.x() - contentRectangle_.minX(),
+          contentRectangle_.maxY() - place_->frame.maxY() + frame_.top() + position.y()};
+}
+
 view::Point WaylandPanelWindow::toContent(QPointF position) const {
-  const view::Point inside =
-      content_ ? view::Point{content_->frame().x, content_->frame().y} : view::Point{};
-  return {place_->frame.minX() + frame_.left() + position.x() - contentRectangle_.minX() - inside.x,
-          contentRectangle_.maxY() - place_->frame.maxY() + frame_.top() + position.y() - inside.y};
+  const auto place = toWindow(position);
+  return {place.x - content_->frame().x, place.y - content_->frame().y};
+}
+
+// Below the screen's other edge and the whole window: the panel may be as high as both.
+double WaylandPanelWindow::elsewhere() const {
+  const double bottom = contentRectangle_.minY() - 1;
+  return place_ ? std::min(place_->frame.minY(), bottom) : bottom;
 }
 
 void WaylandPanelWindow::pointerMoved(std::optional<QPointF> position, bool isInside) {
-  if (position) pointerPosition_ = *position;
   if (!content_) return;
   if (isInside && !ignoresMouseEvents()) {
     isPointerInContent_ = true;
@@ -271,12 +291,12 @@ void WaylandPanelWindow::pointerMoved(std::optional<QPointF> position, bool isIn
   }
 }
 
-void WaylandPanelWindow::pointerPressed(bool isPressed) {
+void WaylandPanelWindow::pointerPressed(QPointF position, bool isPressed) {
   if (!content_) return;
   if (isPressed)
-    content_->pointerPressed(toContent(pointerPosition_));
+    content_->pointerPressed(toContent(position));
   else
-    content_->pointerReleased(toContent(pointerPosition_));
+    content_->pointerReleased(toContent(position));
 }
 
 void WaylandPanelWindow::leaveContent() {

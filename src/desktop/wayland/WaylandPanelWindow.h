@@ -55,6 +55,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   void applyTrackedRectangle();
   void rescale();
   void requestFrame();
+  void configured();
   void frameShown();
   void drawFrame();
   void collectDamage();
@@ -63,9 +64,13 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   void leaveContent();
   /// Where a place on the surface lies on the screen.
   [[nodiscard]] view::Point toScreen(QPointF position) const;
+  /// The same in coordinates of the window, and of what it shows.
+  [[nodiscard]] view::Point toWindow(QPointF position) const;
   [[nodiscard]] view::Point toContent(QPointF position) const;
+  /// How high the pointer counts as being when it is not on the panel, in screen coordinates.
+  [[nodiscard]] double elsewhere() const;
   void pointerMoved(std::optional<QPointF> position, bool isInside);
-  void pointerPressed(bool isPressed);
+  void pointerPressed(QPointF position, bool isPressed);
 
   WaylandPanelServices services_;
   const view::Rect contentRectangle_;
@@ -77,7 +82,6 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   bool isShown_ = false;
   bool isMapped_ = false;
   bool isPointerInContent_ = false;
-  QPointF pointerPosition_;
   bool isDrawScheduled_ = false;
   bool wantsFrame_ = false;
   bool needsFullPaint_ = true;

@@ -9,7 +9,7 @@ namespace valdrix::desktop {
 
 /// The pointer as far as a client of a compositor hears of it: panels report what their input
 /// regions are told. Elsewhere, and while another program drags, nobody tells us where it is; it
-/// then is at the bottom edge of the screen below the place where it left.
+/// then counts as being below the panel and the place where it left.
 class WaylandPointer final : public platform::Pointer {
  public:
   [[nodiscard]] Token addGlobalMonitorForEventsMatchingMask(std::uint32_t mask,
@@ -19,7 +19,13 @@ class WaylandPointer final : public platform::Pointer {
   [[nodiscard]] view::Point mouseLocation() const override { return location_; }
 
   /// The pointer has been seen there; that alone is no motion.
-  void setLocation(view::Point location) { location_ = location; }
+  void setLocation(view::Point location) {
+    location_ = location;
+    isOutOfSight_ = false;
+  }
+  /// The surface that it was on is gone: it may be anywhere by now, until it is seen again.
+  void setOutOfSight() { isOutOfSight_ = true; }
+  [[nodiscard]] bool isOutOfSight() const { return isOutOfSight_; }
 
   enum class Destination { ourWindow, elsewhere };
   /// Motion of a `kind` (see `platform::eventMask`) has been delivered to `destination`.
@@ -27,6 +33,7 @@ class WaylandPointer final : public platform::Pointer {
 
  private:
   view::Point location_;
+  bool isOutOfSight_ = false;
   Listeners<std::uint32_t> globalMonitors_;
   Listeners<std::uint32_t> localMonitors_;
 };
