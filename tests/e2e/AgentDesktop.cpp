@@ -4,9 +4,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
-#include <QSaveFile>
 
 #include "tests/support/WaitFor.h"
 
@@ -49,17 +47,14 @@ QProcessEnvironment AgentDesktop::environment() const {
     environment.insert(variable.section('=', 0, 0), variable.section('=', 1));
   };
   for (const auto& variable : sound.variables()) add(QString::fromStdString(variable));
-  environment.insert("HOME", home_.path());
-  environment.insert("XDG_CONFIG_HOME", home_.filePath("config"));
+  home.enter(environment);
   environment.insert("DISPLAY",
                      QString::fromStdString(const_cast<X11KeyDesk&>(keys).display().name()));
   environment.insert("VALDRIX_SYSFS", QString::fromStdString(sysfs.root().string()));
-  for (const auto* folder : {"XDG_DATA_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME"})
-    environment.remove(folder);
   environment.remove("WAYLAND_DISPLAY");
   environment.remove("QT_QPA_PLATFORM");
   if (!bus && !sharesBus_)
-    environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home_.filePath("bus"));
+    environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.file("bus"));
   return environment;
 }
 
@@ -113,21 +108,12 @@ bool AgentDesktop::awaitVolume(double volume) {
   });
 }
 
-QString AgentDesktop::preferencesFile() const {
-  return home_.filePath("config/valdrix/valdrix.conf");
-}
+QString AgentDesktop::preferencesFile() const { return home.file("config/valdrix/valdrix.conf"); }
 
 void AgentDesktop::setPreference(const char* key, const char* value) const {
-  QDir().mkpath(home_.filePath("config/valdrix"));
+  QDir().mkpath(home.file("config/valdrix"));
   QFile file(preferencesFile());
   if (file.open(QIODevice::Append)) file.write(QByteArray(key) + '=' + value + '\n');
-}
-
-void AgentDesktop::writeUserFile(const QString& path, const QByteArray& text) const {
-  QDir().mkpath(QFileInfo(userFile(path)).path());
-  QSaveFile file(userFile(path));
-  if (file.open(QIODevice::WriteOnly)) file.write(text);
-  EXPECT_TRUE(file.commit());
 }
 
 }  // namespace valdrix::tests

@@ -7,10 +7,10 @@
 
 #include <QColor>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include "tests/display/SysfsTree.h"
 #include "tests/e2e/BackgroundWindow.h"
+#include "tests/e2e/UserHome.h"
 #include "tests/keys/X11KeyDesk.h"
 #include "tests/session/PrivateBus.h"
 #include "tests/support/ChildProcess.h"
@@ -64,10 +64,6 @@ class AgentDesktop {
 
   void setPreference(const char* key, const char* value) const;
   [[nodiscard]] QString preferencesFile() const;
-  /// A file of the program's user, by its path below the home folder.
-  [[nodiscard]] QString userFile(const QString& path) const { return home_.filePath(path); }
-  /// Replaces that file as a whole, folders included.
-  void writeUserFile(const QString& path, const QByteArray& text) const;
 
   [[nodiscard]] VirtualDisplay& display() { return keys.display(); }
 
@@ -75,13 +71,13 @@ class AgentDesktop {
   SoundServer sound;
   std::unique_ptr<PrivateBus> bus;
   SysfsTree sysfs;
+  UserHome home;
   BackgroundWindow background;
 
  private:
   [[nodiscard]] QProcessEnvironment environment() const;
 
   const bool sharesBus_;
-  QTemporaryDir home_;
   std::unique_ptr<ChildProcess> agent_;
 };
 

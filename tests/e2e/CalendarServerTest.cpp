@@ -26,10 +26,9 @@ TEST(Calendar, EventsOfTheServerStandAmongThoseOfFolders) {
   ASSERT_TRUE(server.add("work", {eventLines("Bureau", 0)}));
 
   AgentDesktop desktop({.sharesBus = true});
-  desktop.writeUserFile(".local/state/valdrix/privacy.conf", "calendars=allowed\n");
-  desktop.writeUserFile(
-      ".local/share/valdrix/calendars/home/one.ics",
-      "BEGIN:VEVENT\r\n" + eventLines("Maison", 1).toUtf8() + "\r\nEND:VEVENT\r\n");
+  desktop.home.write(UserHome::privacyRecord, "calendars=allowed\n");
+  desktop.home.write(".local/share/valdrix/calendars/home/one.ics",
+                     "BEGIN:VEVENT\r\n" + eventLines("Maison", 1).toUtf8() + "\r\nEND:VEVENT\r\n");
   ASSERT_TRUE(desktop.startAgent());
   const auto listed = [&] {
     QStringList events;

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
-#include <QDateTime>
 #include <QFile>
 #include <QJsonArray>
 
@@ -21,24 +20,6 @@ constexpr QPoint onBar{658, 93};
 constexpr QRect title{780, 84, 100, 18};
 /// The first line of what stands in the list's place without access.
 constexpr QRect prompt{650, 64, 200, 18};
-
-const QString calendar = ".local/share/valdrix/calendars/work/";
-const QString record = ".local/state/valdrix/privacy.conf";
-
-/// An event that is going on now.
-QByteArray event(const QByteArray& uid, const QByteArray& summary) {
-  const auto now = QDateTime::currentDateTimeUtc();
-  const auto at = [](const QDateTime& time) { return time.toString("yyyyMMddTHHmmssZ").toUtf8(); };
-  return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//valdrix//test//\r\nBEGIN:VEVENT\r\nUID:" +
-         uid + "\r\nDTSTAMP:20260101T000000Z\r\nDTSTART:" + at(now.addSecs(-3600)) +
-         "\r\nDTEND:" + at(now.addSecs(7200)) + "\r\nSUMMARY:" + summary +
-         "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
-}
-
-void writeCalendar(const AgentDesktop& desktop) {
-  desktop.writeUserFile(calendar + "color", "#FF8000\n");
-  desktop.writeUserFile(calendar + "one.ics", event("-uid %s@1", "Planning"));
-}
 
 QStringList titles(const AgentDesktop& desktop) {
   QStringList titles;
@@ -74,16 +55,9 @@ bool askForAccess(AgentDesktop& desktop) {
 
 TEST(Calendar, EventsAreShownFollowTheirFilesAndOpen) {
   AgentDesktop desktop;
-  writeCalendar(desktop);
-  desktop.writeUserFile(record, "calendars=allowed\n");
-  const auto script = desktop.userFile("calendar-program");
-  const auto called = desktop.userFile("called");
-  desktop.writeUserFile("calendar-program", "#!/bin/sh\nprintf '%s\\n' \"$@\" >" + called.toUtf8() +
-                                                ".new\nmv " + called.toUtf8() + ".new " +
-                                                called.toUtf8() + '\n');
-  QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner);
-  desktop.writeUserFile("config/valdrix/programs.conf",
-                        "showEvent=" + script.toUtf8() + " --event={identifier} \"a b\"\n");
+  desktop.home.addCalendar();
+  desktop.home.write(UserHome::privacyRecord, "calendars=allowed\n");
+  desktop.home.chooseCalendarProgram();
   ASSERT_TRUE(desktop.startAgent());
   desktop.display().movePointer(inNotch);
   EXPECT_TRUE(desktop.awaitPresentation("expanded"));
@@ -92,21 +66,20 @@ TEST(Calendar, EventsAreShownFollowTheirFilesAndOpen) {
       desktop.awaitPixel(onBar, [](QRgb color) { return qRed(color) > 240 && qBlue(color) < 20; }));
   EXPECT_TRUE(waitFor([&] { return hasText(desktop, title); }));
 
-  desktop.writeUserFile(calendar + "two.ics", event("uid-2", "Zone"));
+  const auto second = QString(UserHome::calendar) + "two.ics";
+  desktop.home.writeEvent(second, "uid-2", "Zone");
   EXPECT_TRUE(waitFor([&] { return titles(desktop).contains("Zone"); }));
-  EXPECT_TRUE(QFile::remove(desktop.userFile(calendar + "two.ics")));
+  EXPECT_TRUE(QFile::remove(desktop.home.file(second)));
   EXPECT_TRUE(waitFor([&] { return titles(desktop) == QStringList("Planning"); }));
 
   desktop.display().movePointer(title.center());
   desktop.display().click();
-  QFile call(called);
-  ASSERT_TRUE(waitFor([&] { return call.open(QIODevice::ReadOnly); })) << "nobody was called";
-  EXPECT_EQ(call.readAll(), "--event=-uid %s@1\na b\n");
+  EXPECT_EQ(desktop.home.awaitCalendarProgram(), "--event=-uid %s@1\na b\n");
 }
 
 TEST(Calendar, AccessIsAskedForAndRemembered) {
   AgentDesktop desktop;
-  writeCalendar(desktop);
+  desktop.home.addCalendar();
   ASSERT_TRUE(desktop.startAgent());
   desktop.display().movePointer(inNotch);
   EXPECT_TRUE(desktop.awaitPresentation("expanded"));
@@ -122,13 +95,13 @@ TEST(Calendar, AccessIsAskedForAndRemembered) {
     desktop.display().tapKey(key);
     EXPECT_TRUE(desktop.awaitPixel(inQuestion, isBackground));
   }
-  EXPECT_FALSE(QFile::exists(desktop.userFile(record)));
+  EXPECT_FALSE(QFile::exists(desktop.home.file(UserHome::privacyRecord)));
   ASSERT_TRUE(askForAccess(desktop));
   desktop.display().tapKey(XKB_KEY_Tab);
   desktop.display().tapKey(XKB_KEY_space);
   EXPECT_TRUE(waitFor([&] { return titles(desktop) == QStringList("Planning"); }));
   EXPECT_EQ(authorization(desktop), "fullAccess");
-  QFile file(desktop.userFile(record));
+  QFile file(desktop.home.file(UserHome::privacyRecord));
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   EXPECT_TRUE(file.readAll().contains("calendars=allowed"));
 }

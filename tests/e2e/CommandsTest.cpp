@@ -57,7 +57,7 @@ TEST(Commands, KeysActAndLevelsShowByCommand) {
 
 TEST(Commands, HousingsAreTriedAndTold) {
   AgentDesktop desktop;
-  desktop.writeUserFile("config/valdrix/housings.json", "[\n3");
+  desktop.home.write("config/valdrix/housings.json", "[\n3");
   ASSERT_TRUE(desktop.startAgent());
   const auto report = desktop.command({"notch"});
   EXPECT_THAT(report.output.toStdString(),

@@ -13,12 +13,15 @@ PrivateBus::PrivateBus(const QString& services) {
   QFile file(folder_.filePath("bus.conf"));
   if (file.open(QIODevice::WriteOnly))
     file.write(QStringLiteral("<busconfig><listen>%1</listen>%2"
-                              "<policy context=\"default\"><allow send_destination=\"*\"/>"
+                              "<policy context=\"default\"><allow user=\"*\"/>"
+                              "<allow send_destination=\"*\"/>"
                               "<allow receive_sender=\"*\"/>"
                               "<allow own=\"*\"/></policy></busconfig>")
                    .arg(address, services.isEmpty() ? QString()
                                                     : "<servicedir>" + services + "</servicedir>")
                    .toUtf8());
+  // Some programs refuse to run as root and run as another user.
+  QFile::setPermissions(folder_.path(), QFile::permissions(folder_.path()) | QFile::ExeOther);
   qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
 }
 

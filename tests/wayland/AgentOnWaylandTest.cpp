@@ -3,13 +3,16 @@
 #include <csignal>
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
+#include <linux/input-event-codes.h>
 
 #include "tests/display/SysfsTree.h"
+#include "tests/e2e/UserHome.h"
 #include "tests/session/PrivateBus.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/SoundServer.h"
 #include "tests/support/SwayCompositor.h"
 #include "tests/support/WaitFor.h"
 #include "tests/support/WaylandTestClient.h"
@@ -19,6 +22,13 @@ namespace {
 
 constexpr QSize extent{1500, 1000};
 constexpr QPointF inNotch{750, 16};
+constexpr QPointF farAway{1, 900};
+/// Below the notch, where an indicator hangs.
+constexpr QPoint inIndicator{650, 50};
+/// The first event's row in the expanded panel: the bar in its calendar's colour, and its title.
+constexpr QPoint onBar{652, 93};
+constexpr QPointF onTitle{824, 93};
+constexpr auto sink = "output";
 
 class AgentOnWayland : public testing::Test {
  protected:
@@ -28,7 +38,7 @@ class AgentOnWayland : public testing::Test {
     sysfs.setBrightness("panel", 480);
     compositor.enter();
     client = std::make_unique<WaylandTestClient>(extent);
-    client->movePointer({1, 900});
+    client->movePointer(farAway);
   }
   void start() {
     agent = std::make_unique<ChildProcess>(VALDRIX_PROGRAM, QStringList{}, environment());
@@ -37,13 +47,21 @@ class AgentOnWayland : public testing::Test {
   [[nodiscard]] QProcessEnvironment environment() const {
     auto variables = QProcessEnvironment::systemEnvironment();
     for (const auto* name : {"DISPLAY", "QT_QPA_PLATFORM"}) variables.remove(name);
-    variables.insert("HOME", home.path());
-    variables.insert("XDG_CONFIG_HOME", home.filePath("config"));
+    home.enter(variables);
+    variables.insert("PULSE_SERVER", "unix:" + sound.runtimeFolder().filePath("pulse/native"));
+    variables.insert("PULSE_COOKIE", sound.runtimeFolder().filePath("cookie"));
     // Qt's plugin forgets its own at the end, and nothing in the trace but the client library names
     // it; of what is ours in that library, the tests in this process tell.
     variables.insert("LSAN_OPTIONS", "suppressions=" QT_LEAKS ":print_suppressions=0");
     variables.insert("VALDRIX_SYSFS", QString::fromStdString(sysfs.root().string()));
     return variables;
+  }
+  /// The program's path for the compositor, which may run as a user who cannot read ours.
+  [[nodiscard]] std::string programForCompositor() const {
+    const auto path = QString::fromStdString(compositor.folder()) + "/valdrix";
+    EXPECT_TRUE(QFile::copy(VALDRIX_PROGRAM, path));
+    QFile::setPermissions(path, QFile::ReadOther | QFile::ExeOther | QFile::ExeOwner);
+    return path.toStdString();
   }
   [[nodiscard]] ChildProcess::Result command(const QStringList& words) const {
     return ChildProcess::run(VALDRIX_PROGRAM, words, environment());
@@ -59,7 +77,8 @@ class AgentOnWayland : public testing::Test {
 
   PrivateBus bus;
   SysfsTree sysfs;
-  QTemporaryDir home;
+  UserHome home;
+  SoundServer sound;
   SwayCompositor compositor;
   std::unique_ptr<WaylandTestClient> client;
   std::unique_ptr<ChildProcess> agent;
@@ -85,6 +104,33 @@ TEST_F(AgentOnWayland, ExpandsUnderThePointerAndShowsLevels) {
     EXPECT_EQ(agent->process().exitCode(), 0);
     sysfs.setBrightness("panel", 480);
   }
+}
+
+TEST_F(AgentOnWayland, OpensTheEventThatIsClicked) {
+  home.addCalendar();
+  home.write(UserHome::privacyRecord, "calendars=allowed\n");
+  home.chooseCalendarProgram();
+  start();
+  client->movePointer(inNotch);
+  EXPECT_TRUE(waitFor([&] {
+    const auto color = pixel(onBar);
+    return color.red() > 240 && color.blue() < 20;
+  })) << "the event is not shown";
+  client->movePointer(onTitle);
+  client->setButton(BTN_LEFT, true);
+  client->setButton(BTN_LEFT, false);
+  EXPECT_EQ(home.awaitCalendarProgram(), "--event=-uid %s@1\na b\n");
+}
+
+TEST_F(AgentOnWayland, TakesTheKeysThatTheCompositorBinds) {
+  ASSERT_TRUE(sound.start({{.name = sink}}) && sound.setVolume(sink, {0.5}));
+  ASSERT_TRUE(compositor.command("bindsym XF86AudioRaiseVolume exec " + programForCompositor() +
+                                 " key volume-up"));
+  start();
+  ASSERT_TRUE(waitFor([&] { return status()["volume"].toObject()["level"].toDouble() > 0; }));
+  EXPECT_EQ(SpawnedProgram({"wtype", "-k", "XF86AudioRaiseVolume"}, {}).wait(), 0);
+  EXPECT_TRUE(waitFor([&] { return pixel(inIndicator) == Qt::black; })) << "the indicator";
+  EXPECT_NEAR(sound.volumes(sink).at(0), 0.5625, 0.001);
 }
 
 TEST_F(AgentOnWayland, ComesBackWithItsCompositor) {
