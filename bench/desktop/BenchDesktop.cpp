@@ -3,8 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <QDir>
-#include <QFile>
 #include <xcb/xcb_keysyms.h>
 #include <xcb/xtest.h>
 
@@ -19,35 +17,17 @@ struct FreeSymbols {
   void operator()(xcb_key_symbols_t* symbols) const { xcb_key_symbols_free(symbols); }
 };
 
-// Short, so that the indicator is soon gone and the next press can be measured.
-constexpr const char* preferences = "[General]\nhudDuration=0.4\n";
-
 }  // namespace
-
-BenchDesktop::BenchDesktop() { useOwnFolders(); }
-
-void BenchDesktop::useOwnFolders() const {
-  qputenv("HOME", folder_.path().toUtf8());
-  qputenv("XDG_CONFIG_HOME", path("config").toUtf8());
-  qputenv("XDG_CACHE_HOME", path("cache").toUtf8());
-  qputenv("XDG_DATA_HOME", path("data").toUtf8());
-  qputenv("VALDRIX_SYSFS", path("sys").toUtf8());
-  // Nobody answers there: the measured programs must not reach the machine's own services.
-  qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + path("no-system-bus").toUtf8());
-  QDir().mkpath(path("config/valdrix"));
-  QFile file(path("config/valdrix/valdrix.conf"));
-  if (file.open(QIODevice::WriteOnly)) file.write(preferences);
-}
 
 bool BenchDesktop::start() {
   const auto check = [this](bool isRunning, const char* name) {
     if (!isRunning) missing_ = name;
     return isRunning;
   };
-  if (!check(sound_.start({{"speakers"}}) && sound_.setVolume("speakers", {0.5}), "pulseaudio"))
+  if (!session_.start()) {
+    missing_ = session_.missing();
     return false;
-  sound_.adoptEnvironment();
-  if (!check(startBus(), "dbus-daemon")) return false;
+  }
   display_ = std::make_unique<tests::VirtualDisplay>(size);
   if (!check(display_->isRunning(), "Xvfb")) return false;
   qputenv("DISPLAY", display_->name().c_str());
@@ -57,17 +37,6 @@ bool BenchDesktop::start() {
   if (!check(display_->startCompositor(), "picom")) return false;
   showBackdrop();
   return true;
-}
-
-bool BenchDesktop::startBus() {
-  const auto address = "unix:path=" + path("bus").toStdString();
-  bus_ = std::make_unique<tests::SpawnedProgram>(
-      std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                               "--print-address", "--address=" + address},
-      std::vector<std::string>{}, true);
-  qputenv("DBUS_SESSION_BUS_ADDRESS", address.c_str());
-  // The address is printed once it listens.
-  return bus_->readLine().has_value();
 }
 
 // The compositor takes a root picture only from programs that announce theirs.

@@ -8,10 +8,8 @@
 #include <QPoint>
 #include <QRect>
 #include <QSize>
-#include <QTemporaryDir>
 
-#include "tests/support/SoundServer.h"
-#include "tests/support/SpawnedProgram.h"
+#include "bench/desktop/BenchSession.h"
 #include "tests/support/VirtualDisplay.h"
 
 namespace valdrix::bench {
@@ -24,7 +22,7 @@ class BenchDesktop {
   /// Wide enough for the panel in the middle and a yardstick's window on each side.
   static constexpr QSize size{2400, 1080};
 
-  BenchDesktop();
+  BenchDesktop() = default;
   BenchDesktop(const BenchDesktop&) = delete;
   BenchDesktop& operator=(const BenchDesktop&) = delete;
 
@@ -49,14 +47,9 @@ class BenchDesktop {
  private:
   static constexpr std::uint32_t backdropColor = 0x3060A0;
 
-  void useOwnFolders() const;
-  bool startBus();
   void showBackdrop() const;
-  [[nodiscard]] QString path(const char* name) const { return folder_.filePath(name); }
 
-  QTemporaryDir folder_;
-  tests::SoundServer sound_;
-  std::unique_ptr<tests::SpawnedProgram> bus_;
+  BenchSession session_;
   std::unique_ptr<tests::VirtualDisplay> display_;
   std::string missing_;
 };

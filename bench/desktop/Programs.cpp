@@ -5,10 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include <QJsonDocument>
-
 #include "bench/desktop/Clock.h"
-#include "tests/support/ChildProcess.h"
 
 namespace valdrix::bench {
 
@@ -31,14 +28,6 @@ Program startEmptyWindow() { return start({EMPTY_WINDOW_PROGRAM, "0", "0"}); }
 Program startGrabAndPaint(const BenchDesktop& desktop) {
   return start({GRAB_AND_PAINT_PROGRAM, std::to_string(desktop.keyCode(key::play)), "1900", "600"});
 }
-
-std::optional<QJsonObject> agentStatus() {
-  const auto result = tests::ChildProcess::run(VALDRIX_PROGRAM, {"status"});
-  if (result.exitCode != 0) return std::nullopt;
-  return QJsonDocument::fromJson(result.output.toUtf8()).object();
-}
-
-double framesDrawn() { return agentStatus().value_or(QJsonObject())["framesDrawn"].toDouble(); }
 
 bool waitForAgent() {
   return secondsUntil(Clock::now(),

@@ -3,9 +3,9 @@
 #include <memory>
 #include <optional>
 
-#include <QJsonObject>
 #include <QPoint>
 
+#include "bench/desktop/AgentStatus.h"
 #include "bench/desktop/BenchDesktop.h"
 #include "bench/desktop/ProcessProbe.h"
 #include "tests/support/SpawnedProgram.h"
@@ -40,9 +40,6 @@ using Program = std::unique_ptr<tests::SpawnedProgram>;
 [[nodiscard]] Program startEmptyWindow();
 [[nodiscard]] Program startGrabAndPaint(const BenchDesktop& desktop);
 
-/// What the running agent says about itself; nothing when none answers.
-[[nodiscard]] std::optional<QJsonObject> agentStatus();
-[[nodiscard]] double framesDrawn();
 /// Waits until the agent has its window and its keys. Whether it has.
 [[nodiscard]] bool waitForAgent();
 /// Waits until the panel's picture has not changed for a while. Seconds from the call to the last
