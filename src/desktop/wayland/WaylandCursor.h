@@ -1,7 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <memory>
+#include <utility>
 
+#include <QPoint>
+
+#include "desktop/wayland/WaylandBuffers.h"
 #include "desktop/wayland/WaylandConnection.h"
 #include "platform/Cursor.h"
 
@@ -22,13 +28,19 @@ class WaylandCursor final : public platform::Cursor {
   void left();
 
  private:
+  struct Shape {
+    /// None where no theme has it.
+    std::unique_ptr<WaylandBuffers::Buffer> buffer;
+    int scale = 1;
+    QPoint hotspot;  ///< in logical pixels
+  };
+
   void show();
-  void loadTheme();
-  [[nodiscard]] wl_cursor_image* image() const;
+  [[nodiscard]] Shape load(bool isHand) const;
 
   WaylandConnection& connection_;
-  WaylandOwned<wl_cursor_theme> theme_;
-  int themeScale_ = 0;
+  /// Those that have been needed, by whether it is the hand and by the scale that was asked for.
+  std::map<std::pair<bool, int>, Shape> shapes_;
   WaylandOwned<wl_surface> surface_;
   wl_pointer* pointer_ = nullptr;
   std::uint32_t serial_ = 0;

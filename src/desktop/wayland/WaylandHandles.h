@@ -2,8 +2,6 @@
 
 #include <memory>
 
-#include <wayland-cursor.h>
-
 #include "desktop/wayland/WaylandProtocols.h"
 
 namespace valdrix::desktop {
@@ -32,7 +30,6 @@ struct EndWayland {
     else
       wl_pointer_destroy(o);
   }
-  void operator()(wl_cursor_theme* o) const { wl_cursor_theme_destroy(o); }
   void operator()(zxdg_output_manager_v1* o) const { zxdg_output_manager_v1_destroy(o); }
   void operator()(zxdg_output_v1* o) const { zxdg_output_v1_destroy(o); }
   void operator()(zwlr_layer_shell_v1* o) const {
