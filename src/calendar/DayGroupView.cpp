@@ -14,7 +14,6 @@ namespace {
 
 // All lengths in points.
 constexpr double headerSpacing = 4;
-constexpr double rowSpacing = 3;
 constexpr double headerOpacity = 0.5;
 
 View header(const std::string& label) {

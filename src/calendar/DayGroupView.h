@@ -8,6 +8,9 @@ namespace valdrix {
 
 /// One day of the list: its name and a row for each of its events.
 struct DayGroupView {
+  /// Between two events, in points.
+  static constexpr double rowSpacing = 3;
+
   DayGroup group;
   CalendarEnvironment environment{};
 

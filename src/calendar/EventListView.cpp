@@ -19,7 +19,6 @@ constexpr double emptyHeight = 50;
 /// A day's name with the gap below it.
 constexpr double headerHeight = 18;
 constexpr double rowHeight = 24;
-constexpr double rowSpacing = 3;
 
 View emptyState() {
   return MessageView{.symbolName = "sparkles",
@@ -40,7 +39,7 @@ double EventListView::estimatedHeight(const std::vector<platform::Event>& events
   for (const auto& event : events) ++counts[calendar.startOfDay(event.startDate)];
   double total = sectionSpacing * static_cast<double>(counts.size() - 1);
   for (const auto& [day, count] : counts)
-    total += headerHeight + rowHeight * count + rowSpacing * (count - 1);
+    total += headerHeight + rowHeight * count + DayGroupView::rowSpacing * (count - 1);
   return total;
 }
 

@@ -1,11 +1,11 @@
 #include "commands/Agent.h"
 
-#include <cstdio>
 #include <utility>
 
 #include <QCoreApplication>
 
 #include "commands/CalendarAccess.h"
+#include "commands/Failure.h"
 #include "commands/HousingReport.h"
 #include "commands/PressMediaKey.h"
 #include "commands/StatusReport.h"
@@ -15,11 +15,6 @@ namespace valdrix::commands {
 namespace {
 
 using desktop::AgentAnswer;
-
-int fail(const char* message) {
-  std::fprintf(stderr, "valdrix : %s\n", message);
-  return 1;
-}
 
 AgentAnswer shown(NotchWindowController::Showing showing, const char* whenUnavailable) {
   switch (showing) {

@@ -1,10 +1,11 @@
 #include "commands/AgentProgram.h"
 
-#include <cstdio>
 #include <filesystem>
 #include <unistd.h>
 
 #include <system_error>
+
+#include "commands/Failure.h"
 
 namespace valdrix::commands {
 
@@ -17,8 +18,7 @@ int becomeAgent(char** argv) {
     for (const auto& place : {folder, folder / VALDRIX_AGENT_FOLDER})
       execv((place / "valdrix-agent").c_str(), argv);
   }
-  std::fputs("valdrix : le programme valdrix-agent est introuvable\n", stderr);
-  return 1;
+  return fail("le programme valdrix-agent est introuvable");
 }
 
 }  // namespace valdrix::commands

@@ -1,7 +1,6 @@
 #include "commands/RunCommand.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,18 +10,15 @@
 #include <QSessionManager>
 
 #include "commands/Agent.h"
+#include "commands/Failure.h"
 #include "desktop/QtPlatformChoice.h"
 #include "desktop/session/ProgramRestart.h"
 #include "desktop/session/TerminationSignals.h"
+#include "desktop/ui/PaintThread.h"
 
 namespace valdrix::commands {
 
 namespace {
-
-int fail(const char* message) {
-  std::fprintf(stderr, "valdrix : %s\n", message);
-  return 1;
-}
 
 /// The program's arguments, with Qt's own one for its plugins where they are to be chosen. The
 /// environment would say it to every program that this one starts, too.
@@ -52,6 +48,7 @@ int runAgent(const std::optional<OpenSettings>& opened, int& argc, char** argv) 
   if (!choice.hasDisplay) return fail("aucun affichage Wayland ou X11 ne répond sur ce bureau");
   PlatformArguments arguments(argc, argv, std::move(choice.plugins));
   desktop::TerminationSignals signals;
+  desktop::keepPaintingOnOneThread();
   QApplication::setDesktopFileName("valdrix");
   const QApplication application(arguments.count, arguments.values.data());
   signals.watch([] { QCoreApplication::exit(0); });

@@ -22,8 +22,6 @@ using std::chrono::days;
 
 constexpr unsigned mostDays = 1000;
 
-[[noreturn]] void fail(const std::string& reason) { throw ScenarioError(0, reason); }
-
 Action parseDate(ScenarioWords& words) {
   const auto day = takeDay(words);
   const auto time = takeTimeOfDay(words);
@@ -179,7 +177,7 @@ Action parseRequestAccess(ScenarioWords& words) {
   };
 }
 
-constexpr auto commands = std::to_array<ScenarioCommand>({
+constexpr auto calendarCommands = std::to_array<ScenarioCommand>({
     {"access", parseAccess},
     {"calendar", parseCalendar},
     {"date", parseDate},
@@ -190,6 +188,6 @@ constexpr auto commands = std::to_array<ScenarioCommand>({
 
 }  // namespace
 
-std::span<const ScenarioCommand> scenarioCalendarCommands() { return commands; }
+std::span<const ScenarioCommand> scenarioCalendarCommands() { return calendarCommands; }
 
 }  // namespace valdrix::sim

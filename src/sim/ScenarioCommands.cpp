@@ -23,8 +23,6 @@ constexpr unsigned mostRepeats = 1000;
 constexpr unsigned mostSteps = 100000;
 constexpr unsigned mostKeyCode = 0xFFFF;
 
-[[noreturn]] void fail(const std::string& reason) { throw ScenarioError(0, reason); }
-
 // Screens
 
 Screen takeScreen(ScenarioWords& words) {

@@ -18,4 +18,7 @@ class ScenarioError : public std::runtime_error {
   int line_;
 };
 
+/// Gives up a line that is not known yet by its number.
+[[noreturn]] inline void fail(const std::string& reason) { throw ScenarioError(0, reason); }
+
 }  // namespace valdrix::sim

@@ -20,8 +20,6 @@ using Status = platform::LoginItem::Status;
 constexpr unsigned mostTabs = 100;
 constexpr double longestDelay = 3600;
 
-[[noreturn]] void fail(const std::string& reason) { throw ScenarioError(0, reason); }
-
 // The menu and the settings window
 
 Action parseMenu(ScenarioWords& words) {
@@ -130,7 +128,7 @@ Action parseBundle(ScenarioWords& words) {
              ScenarioPlayer& player) { player.desktop().bundle.setInfoText(key, text); };
 }
 
-constexpr auto commands = std::to_array<ScenarioCommand>({
+constexpr auto settingsCommands = std::to_array<ScenarioCommand>({
     {"bundle", parseBundle},
     {"login-item", parseLoginItem},
     {"menu", parseMenu},
@@ -140,6 +138,6 @@ constexpr auto commands = std::to_array<ScenarioCommand>({
 
 }  // namespace
 
-std::span<const ScenarioCommand> scenarioSettingsCommands() { return commands; }
+std::span<const ScenarioCommand> scenarioSettingsCommands() { return settingsCommands; }
 
 }  // namespace valdrix::sim

@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::string_view whitespace = " \t\r";
 
-[[noreturn]] void fail(const std::string& reason) { throw ScenarioError(0, reason); }
-
 std::string quoted(std::string_view word) { return "« " + std::string(word) + " »"; }
 
 template <class Number>

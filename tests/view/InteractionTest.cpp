@@ -5,7 +5,7 @@
 namespace valdrix::view {
 namespace {
 
-class Row : public testing::Test {
+class RowUnderPointer : public testing::Test {
  protected:
   [[nodiscard]] View row(const std::string& name) {
     return button([this, name] { told += "click " + name + ' '; },
@@ -19,7 +19,7 @@ class Row : public testing::Test {
   Observed<bool> isOn{true};
 };
 
-TEST_F(Row, HoverTooltipAndClickReachWhatIsUnderThePointer) {
+TEST_F(RowUnderPointer, HoverTooltipAndClickReachWhatIsUnderThePointer) {
   Stage stage(vStack({.spacing = 20}, {row("a").frame(FrameSize{.height = 150}), row("b")}));
   stage.frame();
   // Beside the text, between the rows, over the second, out.
@@ -41,7 +41,7 @@ TEST_F(Row, HoverTooltipAndClickReachWhatIsUnderThePointer) {
   EXPECT_EQ(told, "-a +b ") << "pressed in one and released in another is no click";
 }
 
-TEST_F(Row, WhatIsNotShownOrNotAllowedIsNotUnderThePointer) {
+TEST_F(RowUnderPointer, WhatIsNotShownOrNotAllowedIsNotUnderThePointer) {
   for (const bool usesOpacity : {true, false}) {
     isOn = true;
     told.clear();
@@ -61,7 +61,7 @@ TEST_F(Row, WhatIsNotShownOrNotAllowedIsNotUnderThePointer) {
   }
 }
 
-TEST_F(Row, LeavesWhenItMovesAwayOrGoes) {
+TEST_F(RowUnderPointer, LeavesWhenItMovesAwayOrGoes) {
   Observed<double> height(300.0);
   Stage stage(Made{[&] {
     std::vector<View> rows{box(red).frame(FrameSize{.height = 300 - height})};
@@ -82,7 +82,7 @@ TEST_F(Row, LeavesWhenItMovesAwayOrGoes) {
   EXPECT_EQ(told, "+a -a +a -a ") << "the pressed button is gone";
 }
 
-TEST_F(Row, OfOverlappingOnesTheFrontOneIsHit) {
+TEST_F(RowUnderPointer, OfOverlappingOnesTheFrontOneIsHit) {
   Stage stage(zStack(Alignment::center, {row("back"), row("front")}));
   stage.frame();
   stage.host->pointerMoved({10, 150});

@@ -13,13 +13,13 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr int symbolSize = 24;
-constexpr int symbolGap = 3;
-constexpr int padding = 6;
+constexpr int tabSymbolSize = 24;
+constexpr int tabSymbolGap = 3;
+constexpr int tabPadding = 6;
 constexpr int sidePadding = 12;
 constexpr int smallestWidth = 76;
 constexpr int gapBetween = 4;
-constexpr double radius = 7;
+constexpr double tabRadius = 7;
 
 }  // namespace
 
@@ -43,7 +43,7 @@ QSize SettingsTabBar::tabSizeHint(int index) const {
   const auto& label = labels_[static_cast<std::size_t>(index)];
   const int width = fontMetrics().horizontalAdvance(label) + 2 * sidePadding;
   return {std::max(width, smallestWidth) + gapBetween,
-          symbolSize + symbolGap + fontMetrics().height() + 2 * padding};
+          tabSymbolSize + tabSymbolGap + fontMetrics().height() + 2 * tabPadding};
 }
 
 void SettingsTabBar::changeEvent(QEvent* event) {
@@ -68,18 +68,18 @@ void SettingsTabBar::paintTab(QPainter& painter, int index) const {
     if (!isSelected) fill.setAlphaF(0.5F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
-    painter.drawRoundedRect(tab, radius, radius);
+    painter.drawRoundedRect(tab, tabRadius, tabRadius);
   }
   const QColor ink = isSelected ? formStyle::accentInk(colors) : formStyle::dimmedText(colors);
-  const QRectF symbol(tab.center().x() - symbolSize / 2.0, tab.top() + padding, symbolSize,
-                      symbolSize);
+  const QRectF symbol(tab.center().x() - tabSymbolSize / 2.0, tab.top() + tabPadding, tabSymbolSize,
+                      tabSymbolSize);
   const auto place = static_cast<std::size_t>(index);
   paintSymbol(painter, symbols_[place], symbol, ink);
   painter.setPen(ink);
-  painter.drawText(tab.adjusted(0, padding + symbolSize + symbolGap, 0, 0),
+  painter.drawText(tab.adjusted(0, tabPadding + tabSymbolSize + tabSymbolGap, 0, 0),
                    Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine, labels_[place]);
   if (isSelected && formStyle::showsFocus(*this))
-    formStyle::paintFocusRing(painter, colors, tab, radius);
+    formStyle::paintFocusRing(painter, colors, tab, tabRadius);
 }
 
 // Another tab is too much for a turn of the wheel.

@@ -22,7 +22,7 @@ bool isSlow(std::string_view type) {
 }
 
 /// Spaces and the like are written as a backslash and three octal digits.
-std::string unescaped(std::string_view text) {
+std::string withoutOctals(std::string_view text) {
   std::string path;
   for (std::size_t i = 0; i < text.size(); ++i)
     if (text[i] == '\\' && i + 3 < text.size()) {
@@ -50,7 +50,7 @@ SlowMounts::SlowMounts(std::string_view mountinfo) {
     // The number of fields before the hyphen varies.
     const auto hyphen = std::ranges::find(words, "-");
     if (words.end() - hyphen < 2 || hyphen - words.begin() <= static_cast<int>(pointAt)) continue;
-    const auto point = unescaped(words[pointAt]);
+    const auto point = withoutOctals(words[pointAt]);
     // Where the root does not answer, no program runs.
     if (isSlow(*std::next(hyphen)) && point != "/") points_.emplace_back(point);
   }
