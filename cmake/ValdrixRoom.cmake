@@ -2,7 +2,11 @@
 # use, so an arrow that runs up does not link.
 
 add_library(valdrix_options INTERFACE)
-target_compile_options(valdrix_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+target_compile_options(valdrix_options INTERFACE -Wall -Wextra -Wconversion -Werror)
+# Files that are compiled together would shadow each other's names.
+if(NOT CMAKE_UNITY_BUILD)
+  target_compile_options(valdrix_options INTERFACE -Wshadow)
+endif()
 target_include_directories(valdrix_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 # The core has words of its own for signals and slots.
 target_compile_definitions(valdrix_options INTERFACE QT_NO_KEYWORDS)
@@ -22,6 +26,9 @@ target_compile_options(valdrix_test_options INTERFACE -fPIC -pthread)
 if(VALDRIX_SANITIZE)
   target_compile_options(valdrix_test_options INTERFACE -O0 -fno-sanitize=undefined)
 endif()
+
+# What must be there before the sources can be read without being built.
+add_custom_target(generated_headers)
 
 # valdrix_room(FOLDER [ROOM-OR-LIBRARY…]): the sources of src/FOLDER as library valdrix_<folder>,
 # with / in the folder's name written as _.
