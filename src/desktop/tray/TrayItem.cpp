@@ -15,11 +15,11 @@ const QString menuPath = QStringLiteral("/StatusNotifierItem/Menu");
 TrayItem::TrayItem(SessionBus& bus, TrayLook look, Handlers handlers)
     : bus_(bus),
       look_(std::move(look)),
+      activate_(std::move(handlers.activate)),
       ownMenu_(handlers.aboutToShow),
       busMenu_(menuPath, std::move(handlers.aboutToShow)),
       item_(look_, menuPath,
-            {.activate = std::move(handlers.activate),
-             .showMenu = [this] { popUpMenu(QCursor::pos()); }}),
+            {.activate = activate_, .showMenu = [this] { popUpMenu(QCursor::pos()); }}),
       registration_(bus, {.serve =
                               [this](QDBusConnection& connection) {
                                 busMenu_.serve(connection);
@@ -38,7 +38,9 @@ void TrayItem::setHasX11Tray(bool hasX11Tray) {
 }
 
 void TrayItem::popUpMenu(QPoint position, std::function<void()> onClosed) {
-  ownMenu_.popUp(position, std::move(onClosed));
+  if (TrayMenu::canPopUp()) return ownMenu_.popUp(position, std::move(onClosed));
+  activate_();
+  if (onClosed) onClosed();
 }
 
 bool TrayItem::belongsInX11Tray() const {

@@ -23,7 +23,8 @@ class TrayItem {
   struct Handlers {
     /// The menu is about to open somewhere; it may be set anew.
     std::function<void()> aboutToShow;
-    /// The item was clicked in a bar that keeps its menu for another click.
+    /// The item was clicked in a bar that keeps its menu for another click, or the menu was asked
+    /// for where it cannot be opened.
     std::function<void()> activate;
   };
   enum class Place { nowhere, statusNotifierHost, x11Tray };
@@ -36,8 +37,8 @@ class TrayItem {
   void setMenu(const view::Menu& menu);
   /// Says whether there is a tray on the X server.
   void setHasX11Tray(bool hasX11Tray);
-  /// Opens the menu at that place, in points from the top left of the screens. `onClosed` is called
-  /// once it is closed again.
+  /// Opens the menu at that place, in points from the top left of the screens, or activates the
+  /// item where it cannot be opened. `onClosed` is called once the menu is closed again.
   void popUpMenu(QPoint position, std::function<void()> onClosed = {});
 
   /// Where it is shown.
@@ -49,6 +50,7 @@ class TrayItem {
 
   SessionBus& bus_;
   const TrayLook look_;
+  const std::function<void()> activate_;
   TrayMenu ownMenu_;
   DbusMenu busMenu_;
   StatusNotifierItem item_;

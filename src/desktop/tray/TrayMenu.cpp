@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 
@@ -54,6 +55,10 @@ void add(const view::MenuItem& item, QMenu& menu) {
 TrayMenu::TrayMenu(std::function<void()> aboutToShow) : aboutToShow_(std::move(aboutToShow)) {}
 
 TrayMenu::~TrayMenu() = default;
+
+bool TrayMenu::canPopUp() {
+  return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
 
 void TrayMenu::setMenu(const view::Menu& menu) {
   content_ = menu;

@@ -21,6 +21,10 @@ class TrayMenu {
   TrayMenu(const TrayMenu&) = delete;
   TrayMenu& operator=(const TrayMenu&) = delete;
 
+  /// Whether it can be opened at any place. A Wayland compositor opens menus for windows of their
+  /// program only, and takes one without for a window like any other.
+  [[nodiscard]] static bool canPopUp();
+
   void setMenu(const view::Menu& menu);
   /// Opens it at that place, in points from the top left of the screens, and does not wait.
   /// `onClosed` is called once it is closed again.
