@@ -121,7 +121,7 @@ void presentation(State& state, NotchPresentation presentation) {
   measure(state, [&] {
     const auto view = stage.makeView();
     const auto frame = view->prepareFrame();
-    view->draw(canvas, frame.damage);
+    view->draw(canvas, frame.damage.bounds());
   });
   require(state, canvas.operations > 0, "nothing was drawn");
 }

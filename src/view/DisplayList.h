@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "view/Color.h"
+#include "view/Damage.h"
 #include "view/Font.h"
 #include "view/Geometry.h"
 #include "view/Path.h"
@@ -38,8 +39,15 @@ struct DisplayItem {
 /// Everything that one frame draws, back to front.
 using DisplayList = std::vector<DisplayItem>;
 
-/// The smallest rectangle outside of which two lists look the same.
-[[nodiscard]] Rect difference(const DisplayList& before, const DisplayList& after);
+/// Forgets the clips that take nothing away from an item, which then is drawn and changes apart
+/// from them.
+void dropIdleClips(DisplayList& list);
+
+/// Where two lists look different.
+[[nodiscard]] Damage difference(const DisplayList& before, const DisplayList& after);
+
+/// Whether the items leave nothing in `rect` that what was there before could shine through.
+[[nodiscard]] bool isOpaque(const DisplayList& list, const Rect& rect);
 
 /// Draws the items that touch `dirty`.
 void draw(const DisplayList& list, Canvas& canvas, const Rect& dirty);

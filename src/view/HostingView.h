@@ -61,7 +61,7 @@ class HostingView {
 
   struct Frame {
     /// What looks different from the frame before; empty when nothing does.
-    Rect damage;
+    Damage damage;
     /// Whether something still moves, so that another frame has been asked for.
     bool isAnimating = false;
   };

@@ -1,6 +1,7 @@
 #include "view/Path.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace valdrix::view {
 
@@ -25,6 +26,23 @@ std::size_t pointCount(Path::Verb verb) {
       return 0;
   }
   return 0;
+}
+
+/// Whether a closed outline turns to one side only.
+bool isConvex(const std::vector<Point>& polygon) {
+  constexpr double tolerance = 1e-9;
+  bool turnsLeft = false;
+  bool turnsRight = false;
+  const std::size_t count = polygon.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const Point a = polygon[i];
+    const Point b = polygon[(i + 1) % count];
+    const Point c = polygon[(i + 2) % count];
+    const double turn = (b.x - a.x) * (c.y - b.y) - (b.y - a.y) * (c.x - b.x);
+    turnsLeft = turnsLeft || turn < -tolerance;
+    turnsRight = turnsRight || turn > tolerance;
+  }
+  return turnsLeft != turnsRight;
 }
 
 }  // namespace
@@ -58,6 +76,48 @@ Rect Path::bounds() const {
     }
   }
   return {left, top, right - left, bottom - top};
+}
+
+// All end and control points, none twice in a row; of several outlines, none.
+std::vector<Point> Path::polygon() const {
+  std::vector<Point> points;
+  for (const auto& element : elements_) {
+    if (element.verb == Verb::move && !points.empty()) return {};
+    for (std::size_t i = 0; i < pointCount(element.verb); ++i)
+      if (points.empty() || points.back() != element.points[i]) points.push_back(element.points[i]);
+  }
+  while (points.size() > 1 && points.back() == points.front()) points.pop_back();
+  return points;
+}
+
+// How far the outline runs straight along `x`: from the first to the second.
+std::pair<double, double> Path::uprightSide(double x) const {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  std::pair side{infinity, -infinity};
+  Point start;
+  Point from;
+  for (const auto& element : elements_) {
+    const bool isClose = element.verb == Verb::close;
+    const Point to = isClose ? start : element.points[pointCount(element.verb) - 1];
+    if ((isClose || element.verb == Verb::line) && from.x == x && to.x == x)
+      side = {std::min({side.first, from.y, to.y}), std::max({side.second, from.y, to.y})};
+    if (element.verb == Verb::move) start = to;
+    from = to;
+  }
+  return side;
+}
+
+// A convex outline lies on the inner side of both, and all between them is inside.
+Rect Path::band() const {
+  const auto points = polygon();
+  if (!isConvex(points)) return {};
+  const auto [left, right] =
+      std::minmax_element(points.begin(), points.end(), [](Point a, Point b) { return a.x < b.x; });
+  const auto leftSide = uprightSide(left->x);
+  const auto rightSide = uprightSide(right->x);
+  const double top = std::max(leftSide.first, rightSide.first);
+  const double bottom = std::min(leftSide.second, rightSide.second);
+  return bottom > top ? Rect{left->x, top, right->x - left->x, bottom - top} : Rect{};
 }
 
 Path Path::transformed(double scale, Point offset) const {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "view/Geometry.h"
@@ -30,6 +31,9 @@ class Path {
   [[nodiscard]] bool isEmpty() const { return elements_.empty(); }
   /// The smallest rectangle around all end and control points.
   [[nodiscard]] Rect bounds() const;
+  /// The widest rectangle inside, where it is a convex outline with straight upright sides: from
+  /// one side to the other, as far as both are straight. Empty where it is none.
+  [[nodiscard]] Rect band() const;
   /// The path scaled by `scale` and then moved by `offset`.
   [[nodiscard]] Path transformed(double scale, Point offset) const;
 
@@ -42,6 +46,9 @@ class Path {
   bool operator==(const Path&) const = default;
 
  private:
+  [[nodiscard]] std::vector<Point> polygon() const;
+  [[nodiscard]] std::pair<double, double> uprightSide(double x) const;
+
   std::vector<Element> elements_;
 };
 

@@ -93,6 +93,7 @@ HostingView::Frame ViewGraph::prepareFrame(double lookAhead) {
   list_.clear();
   root_->draw(list_, DrawState{});
   sign_.draw(list_, {0, 0, frame.width, frame.height});
+  dropIdleClips(list_);
   needsFrame_ = false;
   if (pointer_) updateHover();
   const bool isAnimating = isMoving_ || isSignMoving;

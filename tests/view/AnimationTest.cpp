@@ -82,7 +82,7 @@ TEST_F(Panel, FramesComeWhileItMovesAndEndOnPixels) {
   stage.frame();
   withAnimation(spring, [&] { isExpanded = true; });
   int offPixels = 0;
-  Rect lastDamage;
+  Damage lastDamage;
   int frames = 0;
   for (; stage.host->needsFrame(); ++frames) {
     lastDamage = stage.frameAt(stage.now + 1.0 / 60).damage;
@@ -109,7 +109,7 @@ TEST(Frames, WhatRestsStaysOnItsPixelsWhileSomethingElseMoves) {
   withAnimation(spring, [&] { width = 150; });
   while (stage.host->needsFrame()) {
     const auto frame = stage.frameAt(stage.now + 1.0 / 60);
-    EXPECT_GE(frame.damage.minX(), 20) << "the text is not drawn again";
+    EXPECT_GE(frame.damage.bounds().minX(), 20) << "the text is not drawn again";
     EXPECT_EQ(stage.box(green)->origin(), (Point{0, 3}));
     EXPECT_EQ(stage.box(red)->height, 11) << "neither is the resting edge of what moves";
   }

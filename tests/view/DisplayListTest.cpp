@@ -52,7 +52,46 @@ TEST(Damage, IsExactlyWhatLooksDifferent) {
       {"glyphs reach out of their line", {label}, {otherLabel}, {26, 26, 58, 28}},
   };
   for (const auto& [rule, before, after, damage] : cases)
-    EXPECT_EQ(difference(before, after), damage) << rule;
+    EXPECT_EQ(difference(before, after).bounds(), damage) << rule;
+}
+
+TEST(Damage, LeavesOutWhatKeepsItsLook) {
+  const Rect small{0, 0, 200, 100};
+  const auto before = item(1, small);
+  DisplayItem outline = before;
+  outline.kind = DisplayItem::Kind::stroke;
+  outline.lineWidth = 1;
+  DisplayItem wideOutline = outline;
+  wideOutline.path = Path::rectangle({0, 0, 220, 110});
+  wideOutline.bounds = {0, 0, 220, 110};
+  const auto damage = difference({before, outline}, {item(1, {0, 0, 220, 110}), wideOutline});
+  EXPECT_EQ(damage.bounds(), (Rect{0, 0, 220, 110}));
+  for (const auto& part : damage.rectangles())
+    EXPECT_TRUE(part.intersected(small.outset(-1)).isEmpty()) << "the middle is as it was";
+
+  DisplayList inside{clipped(item(2, {20, 20, 10, 10}), small)};
+  dropIdleClips(inside);
+  EXPECT_TRUE(inside[0].clips.empty());
+  DisplayList across{clipped(item(2, {195, 20, 10, 10}), small)};
+  dropIdleClips(across);
+  EXPECT_EQ(across[0].clips.size(), 1);
+}
+
+TEST(Damage, KnowsTheMiddleOfSimpleShapesOnly) {
+  Path notch;
+  notch.move({0, 0});
+  notch.line({100, 0});
+  notch.line({100, 40});
+  notch.quad({100, 50}, {90, 50});
+  notch.line({10, 50});
+  notch.quad({0, 50}, {0, 40});
+  notch.close();
+  Path dented = notch;
+  dented.line({50, 30});
+  EXPECT_EQ(notch.band(), (Rect{0, 0, 100, 40}));
+  EXPECT_EQ(Path::roundedRectangle({0, 0, 100, 50}, 10, false).band(), (Rect{0, 10, 100, 30}));
+  EXPECT_TRUE(dented.band().isEmpty());
+  EXPECT_TRUE(Path::ellipse({0, 0, 100, 50}).band().isEmpty());
 }
 
 /// Writes down what is drawn.
@@ -75,10 +114,11 @@ class Protocol final : public Canvas {
 };
 
 TEST(Drawing, OnlyWhatIsDirtyWithSharedClipsOnce) {
-  const View group = hStack({}, {box(red).frame(FrameSize{.width = 10}),
-                                 box(green).frame(FrameSize{.width = 10}).clipShape(Rectangle{}),
-                                 box(blue).frame(FrameSize{.width = 10})})
-                         .clipShape(Rectangle{});
+  const View group =
+      hStack({}, {box(red).frame(FrameSize{.width = 10}),
+                  box(green).frame(FrameSize{.width = 10}).clipShape(RoundedRectangle{2}),
+                  box(blue).frame(FrameSize{.width = 10})})
+          .clipShape(RoundedRectangle{2});
   Stage stage(hStack({}, {group, label("text"), box(red)}));
   stage.frame();
   Protocol all;

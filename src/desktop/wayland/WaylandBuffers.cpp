@@ -76,7 +76,7 @@ WaylandBuffers::Buffer* WaylandBuffers::take(const QRect& painted) {
   return buffers_.back().get();
 }
 
-void WaylandBuffers::damage(const QRect& area) {
+void WaylandBuffers::damage(const QRegion& area) {
   for (const auto& buffer : buffers_) buffer->stale |= area;
 }
 

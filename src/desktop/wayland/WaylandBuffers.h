@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <QImage>
+#include <QRegion>
 
 #include "desktop/wayland/WaylandHandles.h"
 
@@ -28,7 +29,7 @@ class WaylandBuffers {
     void setBusy() { isBusy_ = true; }
 
     /// What it does not show as it should, in its pixels.
-    QRect stale;
+    QRegion stale;
 
    private:
     bool isBusy_ = false;
@@ -47,7 +48,7 @@ class WaylandBuffers {
   /// and stale in `painted`, which is all that has been painted on the others.
   [[nodiscard]] Buffer* take(const QRect& painted);
   /// An area looks different now.
-  void damage(const QRect& area);
+  void damage(const QRegion& area);
   void clear() { buffers_.clear(); }
 
  private:

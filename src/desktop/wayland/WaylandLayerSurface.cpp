@@ -69,10 +69,11 @@ void WaylandLayerSurface::configure(std::uint32_t serial) {
   handlers_.configured();
 }
 
-void WaylandLayerSurface::attach(WaylandBuffers::Buffer& buffer, const QRect& damage) {
+void WaylandLayerSurface::attach(WaylandBuffers::Buffer& buffer, const QRegion& damage) {
   if (!viewport_) wl_surface_set_buffer_scale(surface_.get(), static_cast<int>(scale_));
   wl_surface_attach(surface_.get(), buffer.get(), 0, 0);
-  wl_surface_damage_buffer(surface_.get(), damage.x(), damage.y(), damage.width(), damage.height());
+  for (const QRect& part : damage)
+    wl_surface_damage_buffer(surface_.get(), part.x(), part.y(), part.width(), part.height());
   buffer.setBusy();
 }
 

@@ -43,7 +43,7 @@ class WaylandLayerSurface {
   [[nodiscard]] QSize pictureSize() const;
 
   // What follows takes effect with `commit`.
-  void attach(WaylandBuffers::Buffer& buffer, const QRect& damage);
+  void attach(WaylandBuffers::Buffer& buffer, const QRegion& damage);
   /// `frameShown` is to be called.
   void requestFrame();
   void commit();

@@ -19,6 +19,12 @@ QRect coveredPixels(const view::Rect& points, double scale) {
       .toAlignedRect();
 }
 
+QRegion coveredPixels(const view::Damage& damage, double scale) {
+  QRegion pixels;
+  for (const auto& part : damage.rectangles()) pixels |= coveredPixels(part, scale);
+  return pixels;
+}
+
 view::Rect asPoints(const QRect& pixels, double scale) {
   return {pixels.x() / scale, pixels.y() / scale, pixels.width() / scale, pixels.height() / scale};
 }
@@ -61,6 +67,7 @@ WaylandInputRegion::Handlers WaylandPanelWindow::inputHandlers() {
       .moved = [this](std::optional<QPointF> position,
                       bool isInside) { pointerMoved(position, isInside); },
       .pressed = [this](QPointF position, bool isPressed) { pointerPressed(position, isPressed); },
+      .menuRequested = [this](QPointF position) { requestMenu(position); },
       .changed =
           [this] {
             if (isMapped_) commit();
@@ -200,7 +207,7 @@ void WaylandPanelWindow::frameShown() {
 
 void WaylandPanelWindow::collectDamage() {
   const double scale = surface_->scale();
-  QRect area;
+  QRegion area;
   if (content_)
     area = coveredPixels(content_->prepareFrame(1 / place_->description.refreshRate).damage, scale);
   if (std::exchange(needsFullPaint_, false)) {
@@ -210,7 +217,7 @@ void WaylandPanelWindow::collectDamage() {
   }
   area &= QRect(QPoint(), buffers_.size());
   damage_ |= area;
-  inked_ |= area;
+  inked_ |= area.boundingRect();
   buffers_.damage(area);
 }
 
@@ -234,21 +241,28 @@ void WaylandPanelWindow::drawFrame() {
 }
 
 void WaylandPanelWindow::paint(WaylandBuffers::Buffer& buffer) {
-  const QRect area = std::exchange(buffer.stale, {});
+  const QRegion area = std::exchange(buffer.stale, {});
   if (area.isEmpty()) return;
-  const double scale = surface_->scale();
   QPainter painter(&buffer.image());
-  painter.setClipRect(area);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.fillRect(area, Qt::transparent);
-  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  painter.scale(scale, scale);
-  if (content_) {
-    QtCanvas canvas(painter, services_.textMetrics);
-    content_->draw(canvas, asPoints(area, scale));
-  }
+  for (const QRect& part : area) paintPart(painter, part);
   ++framesDrawn_;
   ++services_.framesDrawn;
+}
+
+void WaylandPanelWindow::paintPart(QPainter& painter, const QRect& part) {
+  const double scale = surface_->scale();
+  const auto points = asPoints(part, scale);
+  painter.resetTransform();
+  painter.setClipRect(part);
+  if (!content_ || !view::isOpaque(content_->displayList(), points)) {
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(part, Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  }
+  if (!content_) return;
+  painter.scale(scale, scale);
+  QtCanvas canvas(painter, services_.textMetrics);
+  content_->draw(canvas, points);
 }
 
 void WaylandPanelWindow::commit() {
@@ -297,6 +311,12 @@ void WaylandPanelWindow::pointerPressed(QPointF position, bool isPressed) {
     content_->pointerPressed(toContent(position));
   else
     content_->pointerReleased(toContent(position));
+}
+
+void WaylandPanelWindow::requestMenu(QPointF position) {
+  if (!services_.onMenuRequested || !place_) return;
+  services_.onMenuRequested(place_->description.logical.topLeft() + frame_.topLeft() +
+                            position.toPoint());
 }
 
 void WaylandPanelWindow::leaveContent() {

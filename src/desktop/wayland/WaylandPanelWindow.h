@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -10,6 +11,8 @@
 #include "desktop/wayland/WaylandScreens.h"
 #include "desktop/wayland/WaylandSeats.h"
 #include "platform/PanelWindow.h"
+
+class QPainter;
 
 namespace valdrix::desktop {
 
@@ -24,6 +27,9 @@ struct WaylandPanelServices {
   const QtTextMetrics& textMetrics;
   /// Frames that all panels together have painted.
   std::uint64_t& framesDrawn;
+  /// Called with the place when somebody asks for the menu there: points from the top left of the
+  /// screens, as Qt has them.
+  const std::function<void(QPoint)>& onMenuRequested;
 };
 
 /// A panel under a Wayland compositor: a surface in the layer above everything, which the
@@ -60,6 +66,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   void drawFrame();
   void collectDamage();
   void paint(WaylandBuffers::Buffer& buffer);
+  void paintPart(QPainter& painter, const QRect& part);
   void commit();
   void leaveContent();
   /// Where a place on the surface lies on the screen.
@@ -71,6 +78,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   [[nodiscard]] double elsewhere() const;
   void pointerMoved(std::optional<QPointF> position, bool isInside);
   void pointerPressed(QPointF position, bool isPressed);
+  void requestMenu(QPointF position);
 
   WaylandPanelServices services_;
   const view::Rect contentRectangle_;
@@ -85,7 +93,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   bool isDrawScheduled_ = false;
   bool wantsFrame_ = false;
   bool needsFullPaint_ = true;
-  QRect damage_;  ///< what the compositor has not seen yet, in device pixels of the surface
+  QRegion damage_;  ///< what the compositor has not seen yet, in device pixels of the surface
   QRect inked_;   ///< what has been painted on
   std::uint64_t framesDrawn_ = 0;
   WaylandInputRegion inputRegion_;

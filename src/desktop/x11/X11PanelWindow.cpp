@@ -233,7 +233,8 @@ void X11PanelWindow::applyTrackedRectangle() {
 void X11PanelWindow::drawFrame() {
   QRect area;
   if (content_)
-    area = coveredPixels(content_->prepareFrame(1 / screen_.refreshRate).damage, screen_.scale);
+    area = coveredPixels(content_->prepareFrame(1 / screen_.refreshRate).damage.bounds(),
+                         screen_.scale);
   if (std::exchange(needsFullPaint_, false)) {
     area |= inked_;
     if (content_)
