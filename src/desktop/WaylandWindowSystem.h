@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "desktop/WindowSystem.h"
 #include "desktop/wayland/CommandedEventTaps.h"
@@ -22,6 +23,9 @@ class WaylandWindowSystem final : public WindowSystem {
   [[nodiscard]] QJsonObject backends() const override;
   [[nodiscard]] QJsonObject mediaKeys() const override { return {}; }
   [[nodiscard]] std::uint64_t framesDrawn() const override { return desktop_.framesDrawn; }
+  void setOnMenuRequested(std::function<void(QPoint)> block) override {
+    desktop_.onMenuRequested = std::move(block);
+  }
   void preferencesChanged() override {}
 
   [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }

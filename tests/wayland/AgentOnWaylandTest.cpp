@@ -106,7 +106,7 @@ TEST_F(AgentOnWayland, ExpandsUnderThePointerAndShowsLevels) {
   }
 }
 
-TEST_F(AgentOnWayland, OpensTheEventThatIsClicked) {
+TEST_F(AgentOnWayland, OpensTheEventThatIsClickedAndTheSettingsAtARightClick) {
   home.addCalendar();
   home.write(UserHome::privacyRecord, "calendars=allowed\n");
   home.chooseCalendarProgram();
@@ -120,6 +120,12 @@ TEST_F(AgentOnWayland, OpensTheEventThatIsClicked) {
   client->setButton(BTN_LEFT, true);
   client->setButton(BTN_LEFT, false);
   EXPECT_EQ(home.awaitCalendarProgram(), "--event=-uid %s@1\na b\n");
+
+  const QPoint inTheMiddle(extent.width() / 2, extent.height() / 2);
+  const QColor desktop = pixel(inTheMiddle);
+  client->setButton(BTN_RIGHT, true);
+  client->setButton(BTN_RIGHT, false);
+  EXPECT_TRUE(waitFor([&] { return pixel(inTheMiddle) != desktop; })) << "no settings";
 }
 
 TEST_F(AgentOnWayland, TakesTheKeysThatTheCompositorBinds) {

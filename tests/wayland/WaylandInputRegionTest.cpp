@@ -49,6 +49,7 @@ class WaylandInputRegionTest : public testing::Test {
       pointer,
       {.moved = [](std::optional<QPointF>, bool) {},
        .pressed = [this](QPointF, bool isPressed) { presses += isPressed ? 1 : 0; },
+       .menuRequested = [](QPointF) {},
        .changed = [] {},
        .afterSettling =
            [this](std::function<void()> block) { waiting.push_back(std::move(block)); },

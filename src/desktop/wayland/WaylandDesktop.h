@@ -1,5 +1,9 @@
 #pragma once
 
+#include <functional>
+
+#include <QPoint>
+
 #include "desktop/screens/CameraHousings.h"
 #include "desktop/wayland/WaylandConnection.h"
 #include "desktop/wayland/WaylandCursor.h"
@@ -17,7 +21,8 @@ struct WaylandDesktop {
   /// `textMetrics` and `housings` must outlive it.
   WaylandDesktop(const QtTextMetrics& textMetrics, CameraHousings& housings)
       : screens(connection, housings),
-        panelWindows({connection, screens, pointer, seats, textMetrics, framesDrawn}) {}
+        panelWindows(
+            {connection, screens, pointer, seats, textMetrics, framesDrawn, onMenuRequested}) {}
 
   WaylandConnection connection;
   WaylandScreens screens;
@@ -26,6 +31,8 @@ struct WaylandDesktop {
   WaylandSeats seats{connection, cursor};
   /// Frames that all panels together have painted.
   std::uint64_t framesDrawn = 0;
+  /// What a panel calls that is asked for the menu.
+  std::function<void(QPoint)> onMenuRequested;
   WaylandPanelWindows panelWindows;
 };
 

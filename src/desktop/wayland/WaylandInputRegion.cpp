@@ -135,10 +135,11 @@ void WaylandInputRegion::moved(QPointF position) {
 }
 
 void WaylandInputRegion::button(std::uint32_t button, bool isPressed) {
+  if (button == BTN_LEFT) isMainHeld_ = isPressed;
   if (button == BTN_RIGHT) isRightHeld_ = isPressed;
-  if (button != BTN_LEFT) return;
-  isMainHeld_ = isPressed;
-  if (!ignoresMouseEvents_ && position_) handlers_.pressed(*position_, isPressed);
+  if (ignoresMouseEvents_ || !position_) return;
+  if (button == BTN_LEFT) handlers_.pressed(*position_, isPressed);
+  if (button == BTN_RIGHT && isPressed) handlers_.menuRequested(*position_);
 }
 
 std::uint32_t WaylandInputRegion::kindOfMotion() const {

@@ -31,6 +31,8 @@ class WaylandInputRegion {
     std::function<void(std::optional<QPointF> position, bool isInside)> moved;
     /// The main button went down or up.
     std::function<void(QPointF position, bool isPressed)> pressed;
+    /// The secondary button went down there.
+    std::function<void(QPointF position)> menuRequested;
     /// The region is another one: `applyTo` is to be called with the next commit.
     std::function<void()> changed;
     /// Calls a block when the compositor has taken account of all that was committed.
