@@ -41,7 +41,9 @@ const std::vector<Room>& rooms() {
       {"desktop/ui", {"platform"}, {"system", "Qt"}},
       {"desktop/screens", {"platform"}, {"Qt"}},
       {"desktop/x11", {"desktop/ui", "desktop/screens"}, {"system", "Qt", "X11"}},
-      {"desktop/wayland", {"desktop/ui", "desktop/screens"}, {"system", "Qt", "Wayland"}},
+      {"desktop/wayland",
+       {"desktop/ui", "desktop/screens"},
+       {"system", "Qt", "Wayland", "Xcursor"}},
       {"desktop/audio", {"platform"}, {"system", "PulseAudio"}},
       {"desktop/display", {"platform"}, {"system", "Qt"}},
       {"desktop/session", {"platform"}, {"system", "Qt"}},
@@ -87,10 +89,18 @@ std::optional<std::string_view> libraryOf(std::string_view header) {
     std::string_view library;
   };
   static constexpr std::array families = {
-      Family{"Q", "Qt"},          Family{"qpa/", "Qt"},           Family{"xcb/", "X11"},
-      Family{"X11/", "X11"},      Family{"xkbcommon/", "X11"},    Family{"wayland-", "Wayland"},
-      Family{"linux/", "system"}, Family{"pulse/", "PulseAudio"}, Family{"sys/", "system"},
-      Family{"curl/", "libcurl"}, Family{"libical/", "libical"},
+      Family{"Q", "Qt"},
+      Family{"qpa/", "Qt"},
+      Family{"xcb/", "X11"},
+      Family{"X11/Xcursor", "Xcursor"},
+      Family{"X11/", "X11"},
+      Family{"xkbcommon/", "X11"},
+      Family{"wayland-", "Wayland"},
+      Family{"linux/", "system"},
+      Family{"pulse/", "PulseAudio"},
+      Family{"sys/", "system"},
+      Family{"curl/", "libcurl"},
+      Family{"libical/", "libical"},
   };
   for (const auto& family : families)
     if (header.starts_with(family.start)) return family.library;

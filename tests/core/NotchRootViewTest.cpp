@@ -133,10 +133,7 @@ TEST_F(NotchRoot, PanelHasTheSizeAndCornersOfItsPresentation) {
     const auto& panel = drawn().at(1);
     EXPECT_EQ(panel.color, Color::black());
     expectNear(panel.bounds, hanging(row.panel));
-    const Path outline = NotchShape{row.radius}.path(panel.bounds);
-    EXPECT_EQ(panel.path, outline);
-    ASSERT_EQ(panel.clips.size(), 1U);
-    EXPECT_EQ(*panel.clips.front(), outline);
+    EXPECT_EQ(panel.path, NotchShape{row.radius}.path(panel.bounds));
   }
 }
 
@@ -250,10 +247,13 @@ TEST_F(NotchRoot, PanelAndCornersFollowOneSpring) {
     const auto at = [&](double from, double to) {
       return to + notchAnimation::show.motion(from - to, 0, time).position;
     };
-    const auto& panel = drawn().at(1);
+    const auto list = drawn();
+    const auto& panel = list.at(1);
     expectNear(panel.bounds, hanging({at(200, 580), at(32, 200)}));
     EXPECT_EQ(panel.path, NotchShape{at(10, 22)}.path(panel.bounds)) << time;
-    EXPECT_EQ(*panel.clips.front(), panel.path) << time;
+    EXPECT_TRUE(std::ranges::any_of(list, [&](const DisplayItem& item) {
+      return !item.clips.empty() && *item.clips.front() == panel.path;
+    })) << "the content is cut";
   }
 }
 
