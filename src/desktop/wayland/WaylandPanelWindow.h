@@ -94,7 +94,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   bool wantsFrame_ = false;
   bool needsFullPaint_ = true;
   QRegion damage_;  ///< what the compositor has not seen yet, in device pixels of the surface
-  QRect inked_;   ///< what has been painted on
+  QRect inked_;     ///< what has been painted on
   std::uint64_t framesDrawn_ = 0;
   WaylandInputRegion inputRegion_;
   WaylandBuffers buffers_;
