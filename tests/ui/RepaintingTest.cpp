@@ -1,12 +1,13 @@
 // A picture that is kept and painted on where it changes, beside one that is always painted anew.
 
+#include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
 
 #include <QImage>
-#include <QPainter>
 
-#include "desktop/ui/QtCanvas.h"
+#include "desktop/ui/PanelPainter.h"
 #include "desktop/ui/QtTextMetrics.h"
 #include "notch/NotchAnimations.h"
 #include "notch/NotchRootView.h"
@@ -28,36 +29,16 @@ int farthest(const QImage& a, const QImage& b) {
 
 class Repainting : public testing::TestWithParam<double> {
  protected:
-  void paint(QImage& image, const view::Rect& part) const {
-    const double scale = GetParam();
-    const QRect pixels =
-        QRectF(part.x * scale, part.y * scale, part.width * scale, part.height * scale)
-            .toAlignedRect();
-    const view::Rect points{pixels.x() / scale, pixels.y() / scale, pixels.width() / scale,
-                            pixels.height() / scale};
-    QPainter painter(&image);
-    painter.setClipRect(pixels);
-    if (!view::isOpaque(hosting->displayList(), points)) {
-      painter.setCompositionMode(QPainter::CompositionMode_Source);
-      painter.fillRect(pixels, Qt::transparent);
-      painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    }
-    painter.scale(scale, scale);
-    QtCanvas canvas(painter, metrics);
-    hosting->draw(canvas, points);
-  }
   /// Plays what moves now to its end. Returns a frame in which the pictures differ; 0 for none.
   int framesUntilDifferent() {
-    constexpr view::Rect all{0, 0, 720, 240};
     for (int frame = 1; frame < 400; ++frame) {
       now += 1.0 / 60;
-      for (const auto& part : hosting->prepareFrame(1.0 / 60).damage.rectangles())
-        paint(kept, part);
+      painter.paint(kept, painter.prepareFrame(1.0 / 60));
       const bool isLast = !hosting->needsFrame();
       if (frame % 4 == 0 || isLast) {
         QImage fresh(kept.size(), kept.format());
         fresh.fill(Qt::transparent);
-        paint(fresh, all);
+        painter.paint(fresh, fresh.rect());
         // A clip changes how Qt smooths edges, by less than can be seen.
         if (fresh != kept && farthest(fresh, kept) > 2) return frame;
       }
@@ -76,6 +57,7 @@ class Repainting : public testing::TestWithParam<double> {
                                    .userDefaults = simulated.userDefaults,
                                    .workspace = simulated.workspace}};
   QtTextMetrics metrics;
+  PanelPainter painter{metrics};
   std::unique_ptr<view::HostingView> hosting;
   QImage kept;
 };
@@ -92,9 +74,10 @@ TEST_P(Repainting, OfWhatChangedLeavesNoTraces) {
           .now = [this] { return now; },
           .scheduleRepeatingTimer = [](double, const auto&) { return Token([] {}); }});
   hosting->setFrame({0, 0, 720, 1000});
-  hosting->setScale(GetParam());
   kept = QImage((QSizeF(720, 240) * GetParam()).toSize(), QImage::Format_ARGB32_Premultiplied);
   kept.fill(Qt::transparent);
+  painter.setPictures(kept.size(), GetParam());
+  painter.setContent(hosting.get());
   EXPECT_EQ(framesUntilDifferent(), 0) << "at first";
   ASSERT_EQ(kept.pixelColor(kept.width() / 2, 0), Qt::black) << "nothing was painted";
   const struct {

@@ -4,30 +4,11 @@
 #include <cmath>
 #include <utility>
 
-#include <QPainter>
-
-#include "desktop/ui/QtCanvas.h"
 #include "view/HostingView.h"
 
 namespace valdrix::desktop {
 
 namespace {
-
-// The smallest rectangle of whole pixels around `points`.
-QRect coveredPixels(const view::Rect& points, double scale) {
-  return QRectF(points.x * scale, points.y * scale, points.width * scale, points.height * scale)
-      .toAlignedRect();
-}
-
-QRegion coveredPixels(const view::Damage& damage, double scale) {
-  QRegion pixels;
-  for (const auto& part : damage.rectangles()) pixels |= coveredPixels(part, scale);
-  return pixels;
-}
-
-view::Rect asPoints(const QRect& pixels, double scale) {
-  return {pixels.x() / scale, pixels.y() / scale, pixels.width() / scale, pixels.height() / scale};
-}
 
 // All pixels whose top left corner lies in the rectangle or on one of its edges.
 QRect pixelsInside(const view::Rect& rectangle) {
@@ -48,6 +29,7 @@ WaylandPanelWindow::WaylandPanelWindow(const WaylandPanelServices& services,
       contentRectangle_(contentRectangle),
       takesKeyboard_(configuration.canBecomeKey),
       trackedRectangle_{0, 0, contentRectangle.width, contentRectangle.height},
+      painter_(services.textMetrics),
       inputRegion_(services.connection, services.pointer, inputHandlers()),
       buffers_(services.connection.shm(), [this] {
         if (wantsFrame_) requestFrame();
@@ -130,10 +112,8 @@ void WaylandPanelWindow::endSurface() {
 
 void WaylandPanelWindow::rescale() {
   buffers_.setSize(surface_->pictureSize());
+  painter_.setPictures(buffers_.size(), surface_->scale());
   damage_ = QRect(QPoint(), buffers_.size());
-  inked_ = {};
-  needsFullPaint_ = true;
-  if (content_) content_->setScale(surface_->scale());
   if (isMapped_) requestFrame();
 }
 
@@ -141,11 +121,9 @@ void WaylandPanelWindow::setContentView(view::HostingView* content) {
   leaveContent();
   if (content_) content_->setOnNeedsFrame({});
   content_ = content;
-  needsFullPaint_ = true;
+  painter_.setContent(content);
   requestFrame();
-  if (!content_) return;
-  if (surface_) content_->setScale(surface_->scale());
-  content_->setOnNeedsFrame([this] { requestFrame(); });
+  if (content_) content_->setOnNeedsFrame([this] { requestFrame(); });
 }
 
 void WaylandPanelWindow::orderFrontRegardless() {
@@ -205,31 +183,17 @@ void WaylandPanelWindow::frameShown() {
   if (wantsFrame_) drawFrame();
 }
 
-void WaylandPanelWindow::collectDamage() {
-  const double scale = surface_->scale();
-  QRegion area;
-  if (content_)
-    area = coveredPixels(content_->prepareFrame(1 / place_->description.refreshRate).damage, scale);
-  if (std::exchange(needsFullPaint_, false)) {
-    area |= inked_;
-    if (content_)
-      for (const auto& item : content_->displayList()) area |= coveredPixels(item.bounds, scale);
-  }
-  area &= QRect(QPoint(), buffers_.size());
-  damage_ |= area;
-  inked_ |= area.boundingRect();
-  buffers_.damage(area);
-}
-
 void WaylandPanelWindow::drawFrame() {
   wantsFrame_ = false;
-  collectDamage();
+  const QRegion area = painter_.prepareFrame(1 / place_->description.refreshRate);
+  damage_ |= area;
+  buffers_.damage(area);
   if (isMapped_ && damage_.isEmpty()) {
     // What moves by less than can be seen needs its next frame all the same.
     if (wantsFrame_) surface_->requestFrame();
     return commit();
   }
-  auto* const buffer = buffers_.take(inked_);
+  auto* const buffer = buffers_.take(painter_.inked());
   // It is drawn when the compositor gives a buffer back.
   wantsFrame_ = wantsFrame_ || !buffer;
   if (!buffer) return;
@@ -243,26 +207,9 @@ void WaylandPanelWindow::drawFrame() {
 void WaylandPanelWindow::paint(WaylandBuffers::Buffer& buffer) {
   const QRegion area = std::exchange(buffer.stale, {});
   if (area.isEmpty()) return;
-  QPainter painter(&buffer.image());
-  for (const QRect& part : area) paintPart(painter, part);
+  painter_.paint(buffer.image(), area);
   ++framesDrawn_;
   ++services_.framesDrawn;
-}
-
-void WaylandPanelWindow::paintPart(QPainter& painter, const QRect& part) {
-  const double scale = surface_->scale();
-  const auto points = asPoints(part, scale);
-  painter.resetTransform();
-  painter.setClipRect(part);
-  if (!content_ || !view::isOpaque(content_->displayList(), points)) {
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(part, Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  }
-  if (!content_) return;
-  painter.scale(scale, scale);
-  QtCanvas canvas(painter, services_.textMetrics);
-  content_->draw(canvas, points);
 }
 
 void WaylandPanelWindow::commit() {

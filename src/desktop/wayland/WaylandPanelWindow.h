@@ -5,14 +5,13 @@
 #include <memory>
 #include <optional>
 
+#include "desktop/ui/PanelPainter.h"
 #include "desktop/wayland/WaylandBuffers.h"
 #include "desktop/wayland/WaylandInputRegion.h"
 #include "desktop/wayland/WaylandLayerSurface.h"
 #include "desktop/wayland/WaylandScreens.h"
 #include "desktop/wayland/WaylandSeats.h"
 #include "platform/PanelWindow.h"
-
-class QPainter;
 
 namespace valdrix::desktop {
 
@@ -64,9 +63,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   void configured();
   void frameShown();
   void drawFrame();
-  void collectDamage();
   void paint(WaylandBuffers::Buffer& buffer);
-  void paintPart(QPainter& painter, const QRect& part);
   void commit();
   void leaveContent();
   /// Where a place on the surface lies on the screen.
@@ -92,10 +89,9 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   bool isPointerInContent_ = false;
   bool isDrawScheduled_ = false;
   bool wantsFrame_ = false;
-  bool needsFullPaint_ = true;
   QRegion damage_;  ///< what the compositor has not seen yet, in device pixels of the surface
-  QRect inked_;     ///< what has been painted on
   std::uint64_t framesDrawn_ = 0;
+  PanelPainter painter_;
   WaylandInputRegion inputRegion_;
   WaylandBuffers buffers_;
   std::unique_ptr<WaylandLayerSurface> surface_;

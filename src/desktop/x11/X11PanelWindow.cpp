@@ -7,10 +7,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include <QPainter>
 #include <xcb/shape.h>
 
-#include "desktop/ui/QtCanvas.h"
 #include "desktop/x11/X11Cursor.h"
 #include "desktop/x11/X11Manager.h"
 #include "desktop/x11/X11Screens.h"
@@ -37,12 +35,6 @@ Visual chooseVisual(const xcb_screen_t& screen) {
   return {screen.root_visual, screen.root_depth};
 }
 
-// The smallest rectangle of whole pixels around `points`.
-QRect coveredPixels(const view::Rect& points, double scale) {
-  return QRectF(points.x * scale, points.y * scale, points.width * scale, points.height * scale)
-      .toAlignedRect();
-}
-
 // The window is much larger than what is mostly seen of it, so its memory comes from the system
 // only as far as it is painted on.
 QImage transparentImage(QSize size) {
@@ -56,10 +48,6 @@ QImage transparentImage(QSize size) {
           format, std::free,    pixels};
 }
 
-view::Rect asPoints(const QRect& pixels, double scale) {
-  return {pixels.x() / scale, pixels.y() / scale, pixels.width() / scale, pixels.height() / scale};
-}
-
 }  // namespace
 
 X11PanelWindow::X11PanelWindow(const X11PanelServices& services, const view::Rect& contentRectangle,
@@ -67,6 +55,7 @@ X11PanelWindow::X11PanelWindow(const X11PanelServices& services, const view::Rec
     : services_(services),
       contentRectangle_(contentRectangle),
       trackedRectangle_{0, 0, contentRectangle.width, contentRectangle.height},
+      painter_(services.textMetrics),
       pacer_([this] { drawFrame(); }),
       inputRegion_(
           services.connection, services.pointer,
@@ -158,9 +147,7 @@ void X11PanelWindow::place() {
   inputRegion_.setFrame(frame);
   applyTrackedRectangle();
   image_ = transparentImage(frame.size());
-  inked_ = {};
-  needsFullPaint_ = true;
-  if (content_) content_->setScale(screen_.scale);
+  painter_.setPictures(frame.size(), screen_.scale);
   if (isShown_) drawFrame();
 }
 
@@ -168,10 +155,9 @@ void X11PanelWindow::setContentView(view::HostingView* content) {
   leaveContent();
   if (content_) content_->setOnNeedsFrame({});
   content_ = content;
-  needsFullPaint_ = true;
+  painter_.setContent(content);
   pacer_.cancel();
   if (!content_) return;
-  content_->setScale(screen_.scale);
   content_->setOnNeedsFrame([this] {
     if (isShown_) pacer_.request();
   });
@@ -185,7 +171,7 @@ void X11PanelWindow::orderFrontRegardless() {
   raise();
   xcb_map_window(services_.connection.get(), window_);
   inputRegion_.show();
-  put(inked_);
+  put(painter_.inked());
   applyTrackedRectangle();
   services_.connection.flush();
 }
@@ -231,43 +217,20 @@ void X11PanelWindow::applyTrackedRectangle() {
 }
 
 void X11PanelWindow::drawFrame() {
-  QRect area;
-  if (content_)
-    area = coveredPixels(content_->prepareFrame(1 / screen_.refreshRate).damage.bounds(),
-                         screen_.scale);
-  if (std::exchange(needsFullPaint_, false)) {
-    area |= inked_;
-    if (content_)
-      for (const auto& item : content_->displayList())
-        area |= coveredPixels(item.bounds, screen_.scale);
-  }
-  area &= image_.rect();
-  if (!area.isEmpty()) paint(area);
-}
-
-void X11PanelWindow::paint(const QRect& area) {
-  QPainter painter(&image_);
-  painter.setClipRect(area);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.fillRect(area, Qt::transparent);
-  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  painter.scale(screen_.scale, screen_.scale);
-  if (content_) {
-    QtCanvas canvas(painter, services_.textMetrics);
-    content_->draw(canvas, asPoints(area, screen_.scale));
-  }
-  painter.end();
+  const QRegion area = painter_.prepareFrame(1 / screen_.refreshRate);
+  if (area.isEmpty()) return;
+  painter_.paint(image_, area);
   ++framesDrawn_;
   ++services_.framesDrawn;
-  inked_ |= area;
   present(area);
 }
 
-void X11PanelWindow::present(const QRect& area) {
+void X11PanelWindow::present(const QRegion& area) {
+  const QRect rows = area.boundingRect();
   // Remembered also while a compositing manager makes it needless: it may go at any time.
-  const bool isNewShape = shape_.update(image_, area.top(), area.bottom() + 1);
+  const bool isNewShape = shape_.update(image_, rows.top(), rows.bottom() + 1);
   if (isNewShape && !services_.compositing.isActive()) applyShape();
-  put(area);
+  for (const QRect& part : area) put(part);
   services_.connection.flush();
 }
 
@@ -314,7 +277,7 @@ void X11PanelWindow::handle(const xcb_generic_event_t& event) {
   const auto& expose = eventAs<xcb_expose_event_t>(event);
   if (expose.window != window_) return;
   // The server has cleared the rest.
-  put(QRect(expose.x, expose.y, expose.width, expose.height).intersected(inked_));
+  put(QRect(expose.x, expose.y, expose.width, expose.height).intersected(painter_.inked()));
 }
 
 view::Point X11PanelWindow::toContent(QPoint position) const {

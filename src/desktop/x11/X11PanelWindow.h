@@ -5,7 +5,9 @@
 
 #include <QImage>
 #include <QRect>
+#include <QRegion>
 
+#include "desktop/ui/PanelPainter.h"
 #include "desktop/x11/AlphaShape.h"
 #include "desktop/x11/FramePacer.h"
 #include "desktop/x11/ScreenLayout.h"
@@ -64,8 +66,7 @@ class X11PanelWindow final : public platform::PanelWindow {
   void applyTrackedRectangle();
   void raise();
   void drawFrame();
-  void paint(const QRect& area);
-  void present(const QRect& area);
+  void present(const QRegion& area);
   void put(const QRect& area);
   void applyShape();
   void handle(const xcb_generic_event_t& event);
@@ -89,9 +90,8 @@ class X11PanelWindow final : public platform::PanelWindow {
   view::Rect trackedRectangle_;
   bool isShown_ = false;
   bool isPointerInContent_ = false;
-  bool needsFullPaint_ = true;
   QImage image_;
-  QRect inked_;  ///< what of the image has been painted on, in device pixels of the window
+  PanelPainter painter_;
   AlphaShape shape_;
   std::uint64_t framesDrawn_ = 0;
   FramePacer pacer_;
