@@ -72,23 +72,19 @@ struct WaylandTestClient::Connection {
   }
 
   void listen() {
-    static constexpr wl_pointer_listener listener{
-        .enter = [](void*, wl_pointer*, std::uint32_t, wl_surface*, wl_fixed_t, wl_fixed_t) {},
-        .leave = [](void*, wl_pointer*, std::uint32_t, wl_surface*) {},
-        .motion = [](void*, wl_pointer*, std::uint32_t, wl_fixed_t, wl_fixed_t) {},
-        .button =
-            [](void* data, wl_pointer*, std::uint32_t, std::uint32_t, std::uint32_t button,
-               std::uint32_t state) {
-              if (button == BTN_LEFT && state == WL_POINTER_BUTTON_STATE_PRESSED)
-                ++self(data).presses;
-            },
-        .axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {},
-        .frame = nullptr,
-        .axis_source = nullptr,
-        .axis_stop = nullptr,
-        .axis_discrete = nullptr,
-        .axis_value120 = nullptr,
-    };
+    // Later versions have more events, which are not asked for.
+    static const wl_pointer_listener listener = [] {
+      wl_pointer_listener result{};
+      result.enter = [](void*, wl_pointer*, std::uint32_t, wl_surface*, wl_fixed_t, wl_fixed_t) {};
+      result.leave = [](void*, wl_pointer*, std::uint32_t, wl_surface*) {};
+      result.motion = [](void*, wl_pointer*, std::uint32_t, wl_fixed_t, wl_fixed_t) {};
+      result.button = [](void* data, wl_pointer*, std::uint32_t, std::uint32_t,
+                         std::uint32_t button, std::uint32_t state) {
+        if (button == BTN_LEFT && state == WL_POINTER_BUTTON_STATE_PRESSED) ++self(data).presses;
+      };
+      result.axis = [](void*, wl_pointer*, std::uint32_t, std::uint32_t, wl_fixed_t) {};
+      return result;
+    }();
     pointer = wl_seat_get_pointer(seat);
     wl_pointer_add_listener(pointer, &listener, this);
   }
@@ -98,15 +94,15 @@ struct WaylandTestClient::Connection {
         .ping = [](void*, xdg_wm_base* base, std::uint32_t serial) {
           xdg_wm_base_pong(base, serial);
         }};
-    static constexpr xdg_toplevel_listener windowListener{
-        .configure =
-            [](void* data, xdg_toplevel*, std::int32_t width, std::int32_t height, wl_array*) {
-              self(data).size = {width, height};
-            },
-        .close = [](void*, xdg_toplevel*) {},
-        .configure_bounds = nullptr,
-        .wm_capabilities = nullptr,
-    };
+    static const xdg_toplevel_listener windowListener = [] {
+      xdg_toplevel_listener result{};
+      result.configure = [](void* data, xdg_toplevel*, std::int32_t width, std::int32_t height,
+                            wl_array*) {
+        self(data).size = {width, height};
+      };
+      result.close = [](void*, xdg_toplevel*) {};
+      return result;
+    }();
     static constexpr xdg_surface_listener roleListener{
         .configure = [](void* data, xdg_surface* configured, std::uint32_t serial) {
           xdg_surface_ack_configure(configured, serial);
