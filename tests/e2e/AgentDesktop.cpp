@@ -13,8 +13,6 @@ namespace valdrix::tests {
 namespace {
 
 constexpr std::uint64_t maxBrightness = 960;
-/// In the middle of the collapsed panel.
-constexpr QPoint inNotch{756, 16};
 
 }  // namespace
 

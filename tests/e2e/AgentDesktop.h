@@ -7,6 +7,7 @@
 
 #include <QColor>
 #include <QJsonObject>
+#include <QPoint>
 
 #include "tests/display/SysfsTree.h"
 #include "tests/e2e/BackgroundWindow.h"
@@ -80,6 +81,12 @@ class AgentDesktop {
   const bool sharesBus_;
   std::unique_ptr<ChildProcess> agent_;
 };
+
+// The panel's places on the screen, 1512 wide: the notch from 656 to 856, an indicator from 616 to
+// 896, the expanded panel from 466 to 1046.
+inline constexpr QPoint inNotch{756, 16};
+inline constexpr QPoint besideNotch{630, 10};
+inline constexpr QPoint farAway{200, 700};
 
 /// Codes of the media keys, as the desk presses them.
 namespace key {

@@ -14,14 +14,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The panel's places on the screen, 1512 wide: the notch from 656 to 856, an indicator from 616 to
-// 896, the expanded panel from 466 to 1046.
-constexpr QPoint besideNotch{630, 10};
-constexpr QPoint farAway{200, 700};
-constexpr QPoint inNotch{756, 16};
 constexpr QPoint inExpanded{500, 150};
 /// On the level bar, which begins at 662, where it is filled at half and empty at nothing.
-constexpr QPoint onBar{690, 46};
+constexpr QPoint onLevelBar{690, 46};
 
 bool isWhite(QRgb color) { return qRed(color) > 240; }
 bool isTrack(QRgb color) { return qRed(color) > 20 && qRed(color) < 90; }
@@ -34,7 +29,7 @@ TEST(Agent, VolumeKeysMoveTheOutputAndShowIt) {
 
   desktop.keys.tap(key::volumeUp);
   EXPECT_TRUE(desktop.awaitVolume(0.5625));
-  EXPECT_TRUE(desktop.awaitPixel(onBar, isWhite));
+  EXPECT_TRUE(desktop.awaitPixel(onLevelBar, isWhite));
   EXPECT_TRUE(isBlack(desktop.pixel(besideNotch)));
   EXPECT_TRUE(desktop.awaitPresentation("collapsed"));
   EXPECT_TRUE(desktop.awaitPixel(besideNotch, isBackground)) << "the indicator does not leave";
@@ -48,7 +43,7 @@ TEST(Agent, VolumeKeysMoveTheOutputAndShowIt) {
   EXPECT_TRUE(desktop.awaitVolume(0.515625));
   desktop.keys.tap(key::mute);
   EXPECT_TRUE(waitFor([&] { return desktop.sound.isMuted(AgentDesktop::sink); }));
-  EXPECT_TRUE(desktop.awaitPixel(onBar, isTrack)) << "a muted bar is empty";
+  EXPECT_TRUE(desktop.awaitPixel(onLevelBar, isTrack)) << "a muted bar is empty";
   EXPECT_THAT(desktop.keys.windowGot(), IsEmpty());
 }
 

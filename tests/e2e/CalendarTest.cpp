@@ -11,12 +11,10 @@ namespace valdrix::tests {
 
 namespace {
 
-constexpr QPoint inNotch{756, 16};
-constexpr QPoint farAway{200, 700};
 /// In the middle of the screen, where the question stands.
 constexpr QPoint inQuestion{756, 491};
 /// The first event's row in the expanded panel: the bar in its calendar's colour, and its title.
-constexpr QPoint onBar{658, 93};
+constexpr QPoint onEventBar{658, 93};
 constexpr QRect title{780, 84, 100, 18};
 /// The first line of what stands in the list's place without access.
 constexpr QRect prompt{650, 64, 200, 18};
@@ -62,8 +60,8 @@ TEST(Calendar, EventsAreShownFollowTheirFilesAndOpen) {
   desktop.display().movePointer(inNotch);
   EXPECT_TRUE(desktop.awaitPresentation("expanded"));
   EXPECT_TRUE(waitFor([&] { return titles(desktop) == QStringList("Planning"); }));
-  EXPECT_TRUE(
-      desktop.awaitPixel(onBar, [](QRgb color) { return qRed(color) > 240 && qBlue(color) < 20; }));
+  EXPECT_TRUE(desktop.awaitPixel(
+      onEventBar, [](QRgb color) { return qRed(color) > 240 && qBlue(color) < 20; }));
   EXPECT_TRUE(waitFor([&] { return hasText(desktop, title); }));
 
   const auto second = QString(UserHome::calendar) + "two.ics";

@@ -12,10 +12,6 @@ namespace valdrix::tests {
 
 namespace {
 
-constexpr QPoint besideNotch{630, 10};
-constexpr QPoint inNotch{756, 16};
-constexpr QPoint farAway{200, 700};
-
 // Every test ends with the program being asked to end, and expects that it does so in good order;
 // under the address sanitizer that includes leaks.
 

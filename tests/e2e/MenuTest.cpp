@@ -11,7 +11,6 @@ namespace valdrix::tests {
 
 namespace {
 
-constexpr QPoint inNotch{756, 16};
 constexpr xcb_keysym_t escapeKey = 0xFF1B;
 constexpr xcb_keysym_t returnKey = 0xFF0D;
 constexpr xcb_keysym_t upKey = 0xFF52;
