@@ -142,6 +142,13 @@ TEST_F(SecondLookTest, ComesOnceAfterAServerHasAppeared) {
   EXPECT_EQ(looks_, 1) << "nothing to ask, nothing to ask about";
 }
 
+TEST_F(SecondLookTest, IsFollowedByAnotherWhenItFoundWhatWasMissed) {
+  for (const auto& word : {Word{1, {{"a", 1}}, 4}, {0, {}, 0}, {2, {{"b", 1}}, 4}}) receive(word);
+  EXPECT_EQ(looks_, 2);
+  for (const auto& word : {Word{0, {}, 0}, {3, {{"b", 1}}, 60}}) receive(word);
+  EXPECT_EQ(looks_, 2);
+}
+
 TEST_F(SecondLookTest, ComesEverMoreRarelyWhileNoSinkIsTheDefault) {
   auto doubtful = serverWith(1, {{"a", 1}});
   doubtful.defaultSink = "@DEFAULT_SINK@";

@@ -10,11 +10,15 @@ SecondLook::SecondLook(platform::RunLoop& runLoop, std::function<void()> look)
 
 void SecondLook::receive(const PulseSnapshot& snapshot) {
   if (snapshot.connection == 0) return timer_.reset();
-  const bool isNewServer = std::exchange(connection_, snapshot.connection) != snapshot.connection &&
-                           !std::exchange(isLooking_, false);
+  const bool isNewConnection =
+      std::exchange(connection_, snapshot.connection) != snapshot.connection;
+  const bool wasAskedFor = isNewConnection && std::exchange(isLooking_, false);
+  const bool isNewServer = isNewConnection && !wasAskedFor;
+  const bool hasMissed =
+      std::exchange(defaultSink_, snapshot.defaultSink) != snapshot.defaultSink && wasAskedFor;
   const bool wasDoubtful = std::exchange(isDoubtful_, snapshot.hasUnnamedOutput());
   isWorthIt_ = isDoubtful_ || snapshot.output();
-  if (isNewServer) scheduleLook(afterAppearance);
+  if (isNewServer || hasMissed) scheduleLook(afterAppearance);
   if (snapshot.output()) doubtDelay_ = firstDoubt;
   if (isDoubtful_ && (!wasDoubtful || !timer_)) {
     scheduleLook(doubtDelay_);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "desktop/audio/PulseSnapshot.h"
 #include "platform/RunLoop.h"
@@ -11,9 +12,9 @@ namespace valdrix::desktop {
 ///
 /// PipeWire's server keeps what it knows of the default sink for each connection on its own, and
 /// such a record may miss a change, mostly one right after the connection was made or while the
-/// session's manager restarts; then it stays wrong until the next change. So there is one second
-/// look a while after a server has appeared, and more of them, ever more rarely, while a server has
-/// sinks but names none of them as the default.
+/// session's manager restarts; then it stays wrong. So there is one second look a while after a
+/// server has appeared, another one after each that found what had been missed, and more of them,
+/// ever more rarely, while a server has sinks but names none of them as the default.
 class SecondLook {
  public:
   static constexpr double afterAppearance = 3;
@@ -32,6 +33,7 @@ class SecondLook {
   platform::RunLoop& runLoop_;
   std::function<void()> look_;
   std::uint64_t connection_ = 0;
+  std::string defaultSink_;
   bool isLooking_ = false;   ///< the next connection is the one that was asked for
   bool isWorthIt_ = false;   ///< there is a sink to ask about
   bool isDoubtful_ = false;  ///< and none of them is the default
