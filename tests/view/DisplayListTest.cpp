@@ -69,6 +69,11 @@ TEST(Damage, LeavesOutWhatKeepsItsLook) {
   for (const auto& part : damage.rectangles())
     EXPECT_TRUE(part.intersected(small.outset(-1)).isEmpty()) << "the middle is as it was";
 
+  EXPECT_TRUE(isOpaque({before}, small));
+  EXPECT_FALSE(isOpaque({before}, small.outset(1))) << "beyond its edge";
+  EXPECT_FALSE(isOpaque({outline}, small.outset(-2))) << "within a line";
+  EXPECT_FALSE(isOpaque({item(1, small, Color::white(0.9))}, small)) << "translucent";
+
   DisplayList inside{clipped(item(2, {20, 20, 10, 10}), small)};
   dropIdleClips(inside);
   EXPECT_TRUE(inside[0].clips.empty());
