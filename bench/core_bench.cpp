@@ -106,7 +106,7 @@ void key(State& state, std::uint32_t modifierFlags, platform::TapResult expected
   KeyStage stage;
   auto result = expected;
   measure(state, [&] {
-    result = stage.press(static_cast<std::uint32_t>(MediaKey::volumeUp), modifierFlags);
+    result = stage.press(static_cast<std::uint32_t>(platform::MediaKey::volumeUp), modifierFlags);
     benchmark::DoNotOptimize(result);
   });
   require(state, result == expected, "the key was decided otherwise");

@@ -110,13 +110,13 @@ void Agent::openSettings(const desktop::SettingsRequest& request) {
 }
 
 AgentAnswer Agent::pressKey(const desktop::AgentObject::KeyPress& press) {
-  const auto key = mediaKeyWithCode(press.code);
+  const auto key = platform::mediaKeyWithCode(press.code);
   if (!key) return {false, "Touche inconnue."};
   auto& app = app_->appDelegate();
   if (pressMediaKey(app.mediaKeyMonitor(),
                     {.key = *key, .isFine = press.isFine, .isRepeat = press.isRepeat}))
     return {true, {}};
-  return {false, isBrightnessKey(*key) && !app.canHandleBrightnessKeys()
+  return {false, platform::isBrightnessKey(*key) && !app.canHandleBrightnessKeys()
                      ? "La luminosité de cet écran ne peut pas être réglée."
                      : "L'indicateur de cette touche est désactivé : valdrix ne la prend pas."};
 }

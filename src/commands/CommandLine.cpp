@@ -24,12 +24,6 @@ struct Named {
 constexpr Named<std::size_t> tabs[] = {
     {"general", 0}, {"calendrier", 1}, {"huds", 2}, {"apropos", 3}};
 
-constexpr Named<MediaKey> keys[] = {{"volume-up", MediaKey::volumeUp},
-                                    {"volume-down", MediaKey::volumeDown},
-                                    {"mute", MediaKey::mute},
-                                    {"brightness-up", MediaKey::brightnessUp},
-                                    {"brightness-down", MediaKey::brightnessDown}};
-
 constexpr Named<ShowLevel::Kind> levels[] = {{"volume", ShowLevel::Kind::volume},
                                              {"brightness", ShowLevel::Kind::brightness}};
 
@@ -69,9 +63,9 @@ Command parseSettings(Words words) {
 
 Command parseKey(Words words) {
   if (words.empty()) return Misuse{"il manque la touche"};
-  const auto* const key = find(keys, words[0]);
+  const auto key = platform::mediaKeyWithWord(words[0]);
   if (!key) return Misuse{"touche inconnue : " + words[0]};
-  PressKey command{{.key = key->value, .isFine = false, .isRepeat = false}};
+  PressKey command{{.key = *key, .isFine = false, .isRepeat = false}};
   for (const auto& word : words.subspan(1)) {
     if (word == "--fine")
       command.action.isFine = true;

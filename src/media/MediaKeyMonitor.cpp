@@ -80,9 +80,10 @@ void MediaKeyMonitor::stop() {
 }
 
 bool MediaKeyMonitor::isIntercepted(std::uint32_t keyCode, std::uint32_t modifierFlags) const {
-  const auto key = mediaKeyWithCode(keyCode);
+  const auto key = platform::mediaKeyWithCode(keyCode);
   if (!key || (modifierFlags & passingModifiers) != 0) return false;
-  if (!isBrightnessKey(*key)) return userDefaults_.boolForKey(preferenceKeys::volumeHUDEnabled);
+  if (!platform::isBrightnessKey(*key))
+    return userDefaults_.boolForKey(preferenceKeys::volumeHUDEnabled);
   const auto delegate = delegate_.lock();
   return delegate && delegate->canHandleBrightnessKeys() &&
          userDefaults_.boolForKey(preferenceKeys::brightnessHUDEnabled);
@@ -100,7 +101,7 @@ TapResult MediaKeyMonitor::handleTapEvent(std::uint32_t type, const InputEvent* 
   if (!isIntercepted(data.keyCode, event->modifierFlags)) return TapResult::pass;
   if (data.keyState == platform::systemDefined::keyDown || data.isRepeat) {
     const KeyAction action{
-        .key = *mediaKeyWithCode(data.keyCode),
+        .key = *platform::mediaKeyWithCode(data.keyCode),
         .isFine = (event->modifierFlags & platform::modifierFlag::shift) != 0,
         .isRepeat = data.isRepeat,
     };
@@ -114,15 +115,15 @@ void MediaKeyMonitor::performKeyAction(const KeyAction& action) {
   if (!delegate) return;
   const float change = action.isFine ? fineStep : step;
   switch (action.key) {
-    case MediaKey::volumeUp:
+    case platform::MediaKey::volumeUp:
       return delegate->mediaKeyVolumeUp(change);
-    case MediaKey::volumeDown:
+    case platform::MediaKey::volumeDown:
       return delegate->mediaKeyVolumeDown(change);
-    case MediaKey::brightnessUp:
+    case platform::MediaKey::brightnessUp:
       return delegate->mediaKeyBrightnessUp(change);
-    case MediaKey::brightnessDown:
+    case platform::MediaKey::brightnessDown:
       return delegate->mediaKeyBrightnessDown(change);
-    case MediaKey::mute:
+    case platform::MediaKey::mute:
       // A held key toggles once.
       if (!action.isRepeat) delegate->mediaKeyMute();
       return;

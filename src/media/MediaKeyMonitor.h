@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <memory>
 
-#include "media/MediaKey.h"
 #include "observation/Lifetime.h"
 #include "observation/Token.h"
 #include "platform/Accessibility.h"
 #include "platform/EventTaps.h"
+#include "platform/MediaKey.h"
 #include "platform/RunLoop.h"
 #include "platform/UserDefaults.h"
 
@@ -39,7 +39,7 @@ class MediaKeyMonitor {
 
   /// One accepted press, on its way to the main queue.
   struct KeyAction {
-    MediaKey key;
+    platform::MediaKey key;
     bool isFine;
     bool isRepeat;
   };

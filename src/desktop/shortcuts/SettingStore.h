@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace valdrix::desktop {
+
+/// A place where a desktop keeps settings as texts under names. The service behind it may be absent
+/// or hang: each call ends by calling its block once, on the main thread and never before it has
+/// returned, or not at all once the store has ended.
+class SettingStore {
+ public:
+  /// A setting's value; none when it is not set and the desktop's default counts.
+  using Value = std::optional<std::string>;
+  /// None when the setting could not be read: the store does not answer or does not know the name.
+  using OnRead = std::function<void(std::optional<Value>)>;
+  /// Whether the store has the value now.
+  using OnWritten = std::function<void(bool isWritten)>;
+
+  virtual ~SettingStore() = default;
+  /// As files name it.
+  [[nodiscard]] virtual std::string name() const = 0;
+  virtual void read(const std::string& setting, OnRead done) = 0;
+  virtual void write(const std::string& setting, const Value& value, OnWritten done) = 0;
+};
+
+}  // namespace valdrix::desktop
