@@ -107,6 +107,38 @@ QJsonArray screensArray(const platform::Screens& screens) {
   return array;
 }
 
+QString name(desktop::KeyState state) {
+  switch (state) {
+    case desktop::KeyState::held:
+      return "held";
+    case desktop::KeyState::taken:
+      return "taken";
+    case desktop::KeyState::withheld:
+      return "withheld";
+    case desktop::KeyState::absent:
+      return "absent";
+    case desktop::KeyState::released:
+      break;
+  }
+  return "released";
+}
+
+QJsonObject keysObject(const AppDelegate& app, const desktop::DesktopPlatform& platform) {
+  const auto account = platform.mediaKeys().account();
+  QJsonArray keys;
+  for (const auto& entry : account.keys) {
+    const auto word = platform::wordOf(entry.key);
+    keys.append(
+        QJsonObject{{"key", QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size()))},
+                    {"isWanted", entry.isWanted},
+                    {"state", name(entry.state)},
+                    {"source", QString::fromStdString(entry.source)}});
+  }
+  return {{"isTapInstalled", app.mediaKeyMonitor().isTapInstalled()},
+          {"isComplete", account.isComplete()},
+          {"keys", keys}};
+}
+
 QJsonArray texts(const std::vector<std::string>& all) {
   QJsonArray array;
   for (const auto& text : all) array.append(QString::fromStdString(text));
@@ -118,8 +150,6 @@ QJsonArray texts(const std::vector<std::string>& all) {
 std::string statusReport(const AppDelegate& app, const desktop::DesktopPlatform& platform) {
   const auto& volume = app.volumeService();
   const auto& brightness = app.brightnessService();
-  QJsonObject keys = platform.windowSystem().mediaKeys();
-  keys["isTapInstalled"] = app.mediaKeyMonitor().isTapInstalled();
   const QJsonObject report{
       {"version", VALDRIX_VERSION},
       {"notch", notchObject(app.viewModel())},
@@ -128,7 +158,7 @@ std::string statusReport(const AppDelegate& app, const desktop::DesktopPlatform&
                              {"isMuted", volume.isMuted()}}},
       {"brightness",
        QJsonObject{{"isAvailable", brightness.isAvailable()}, {"level", brightness.level()}}},
-      {"mediaKeys", keys},
+      {"mediaKeys", keysObject(app, platform)},
       {"calendar", calendarObject(app.calendarService())},
       {"screens", screensArray(platform.ports().screens)},
       {"housingProblems", texts(platform.housings().problems())},

@@ -6,7 +6,6 @@
 
 #include <QByteArray>
 #include <QGuiApplication>
-#include <QJsonArray>
 
 #ifdef VALDRIX_WAYLAND
 #include "desktop/WaylandWindowSystem.h"
@@ -18,6 +17,7 @@
 #ifdef VALDRIX_UPDATE_CHECK
 #include "desktop/session/HttpsUrlSession.h"
 #endif
+#include "desktop/keys/CommandedKeys.h"
 #include "desktop/session/NoUrlSession.h"
 #include "desktop/vdir/VdirSource.h"
 
@@ -28,9 +28,8 @@ namespace {
 template <class W>
 std::unique_ptr<WindowSystem> makeWindowSystem(platform::RunLoop& runLoop,
                                                const QtTextMetrics& textMetrics,
-                                               CameraHousings& housings,
-                                               std::function<void()> onKeysTaken) {
-  return std::make_unique<W>(runLoop, textMetrics, housings, std::move(onKeysTaken));
+                                               CameraHousings& housings) {
+  return std::make_unique<W>(runLoop, textMetrics, housings);
 }
 
 /// Where the kernel's devices are; VALDRIX_SYSFS names another tree.
@@ -59,16 +58,12 @@ std::unique_ptr<platform::UrlSession> makeUrlSession(platform::RunLoop& runLoop)
 #endif
 }
 
-MediaKeyReport mediaKeyReport(const WindowSystem& windowSystem) {
-  const auto keys = windowSystem.mediaKeys();
-  const auto codes = [&keys](const char* name) {
-    std::vector<std::uint32_t> list;
-    for (const auto& code : keys[name].toArray())
-      list.push_back(static_cast<std::uint32_t>(code.toInt()));
-    return list;
-  };
-  return {windowSystem.backends()["eventTaps"].toString().toStdString(), codes("held"),
-          codes("missing"), codes("released"), codes("absent")};
+/// In the order in which they are asked for a key.
+std::vector<KeySource::Maker> keySources(WindowSystem& windowSystem) {
+  std::vector<KeySource::Maker> sources;
+  if (auto source = windowSystem.keySource()) sources.push_back(std::move(source));
+  sources.emplace_back([](const KeySource::Events&) { return std::make_unique<CommandedKeys>(); });
+  return sources;
 }
 
 std::optional<DesktopWorkspace::EventPlace> findEvent(const DesktopEventStore& store,
@@ -136,16 +131,12 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       sceneHost_(bus),
       housings_(CameraHousings::Sources::fromEnvironment()),
       housingsWatch_(housings_.userFile(), [this] { housings_.reread(); }),
-      windowSystem_(
-          windowSystem.make(runLoop, textMetrics_, housings_,
-                            [this] { notification_.show(DesktopNotification::mediaKeysTaken()); })),
-      privacySettings_({.eventStore = eventStore_,
-                        .record = privacyRecord_,
-                        .accessibility = windowSystem_->accessibility(),
-                        .runLoop = runLoop,
-                        .mediaKeys = [this] { return mediaKeyReport(*windowSystem_); }}),
-      preferencesObserver_(
-          userDefaults_.observeChanges([this] { windowSystem_->preferencesChanged(); })),
+      windowSystem_(windowSystem.make(runLoop, textMetrics_, housings_)),
+      mediaKeys_(runLoop, keySources(*windowSystem_)),
+      keyLossNotice_(mediaKeys_, privacyRecord_, notification_, runLoop),
+      privacySettings_(
+          {.eventStore = eventStore_, .record = privacyRecord_, .mediaKeys = mediaKeys_}),
+      preferencesObserver_(userDefaults_.observeChanges([this] { mediaKeys_.reconsider(); })),
       ports_{.runLoop = runLoop,
              .application = application_,
              .userDefaults = userDefaults_,
@@ -154,8 +145,8 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .pointer = windowSystem_->pointer(),
              .cursor = windowSystem_->cursor(),
              .haptics = haptics_,
-             .accessibility = windowSystem_->accessibility(),
-             .eventTaps = windowSystem_->eventTaps(),
+             .accessibility = mediaKeys_,
+             .eventTaps = mediaKeys_,
              .audioHardware = audioHardware_,
              .displays = displays_,
              .displayServices = displayServices_,

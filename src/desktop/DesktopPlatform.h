@@ -12,6 +12,8 @@
 #include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
+#include "desktop/keys/MediaKeyTaps.h"
+#include "desktop/privacy/KeyLossNotice.h"
 #include "desktop/privacy/PrivacySettings.h"
 #include "desktop/scenes/QtSceneHost.h"
 #include "desktop/screens/CameraHousings.h"
@@ -46,6 +48,8 @@ class DesktopPlatform {
 
   [[nodiscard]] const platform::Platform& ports() const { return ports_; }
   [[nodiscard]] const WindowSystem& windowSystem() const { return *windowSystem_; }
+  /// Who has the volume and brightness keys.
+  [[nodiscard]] const MediaKeyTaps& mediaKeys() const { return mediaKeys_; }
   [[nodiscard]] CameraHousings& housings() { return housings_; }
   [[nodiscard]] const CameraHousings& housings() const { return housings_; }
   /// Where the user says what the program may do.
@@ -59,8 +63,8 @@ class DesktopPlatform {
     const char* name;
     /// Why it does not apply here; empty when it does.
     std::string (*refusal)();
-    std::unique_ptr<WindowSystem> (*make)(platform::RunLoop&, const QtTextMetrics&, CameraHousings&,
-                                          std::function<void()> onKeysTaken);
+    std::unique_ptr<WindowSystem> (*make)(platform::RunLoop&, const QtTextMetrics&,
+                                          CameraHousings&);
   };
   /// In the order in which they are tried.
   static const std::vector<Candidate> candidates;
@@ -96,6 +100,8 @@ class DesktopPlatform {
   CameraHousings housings_;
   FileWatch housingsWatch_;
   std::unique_ptr<WindowSystem> windowSystem_;
+  MediaKeyTaps mediaKeys_;
+  KeyLossNotice keyLossNotice_;
   PrivacySettings privacySettings_;
   Token preferencesObserver_;
   Token trayObserver_;

@@ -13,7 +13,7 @@ std::string WaylandWindowSystem::refusal() {
 }
 
 WaylandWindowSystem::WaylandWindowSystem(platform::RunLoop&, const QtTextMetrics& textMetrics,
-                                         CameraHousings& housings, const std::function<void()>&)
+                                         CameraHousings& housings)
     : desktop_(textMetrics, housings) {
   restartWhereQtWouldEnd();
   desktop_.connection.setOnLost([](bool hasComplained) {
@@ -29,9 +29,7 @@ QJsonObject WaylandWindowSystem::backends() const {
   return {{"screens", "wayland"},
           {"panelWindows", isFractional ? "layer-shell-fractional" : "layer-shell"},
           {"pointer", "wayland"},
-          {"cursor", "wayland"},
-          {"eventTaps", "commands"},
-          {"accessibility", "commands"}};
+          {"cursor", "wayland"}};
 }
 
 }  // namespace valdrix::desktop

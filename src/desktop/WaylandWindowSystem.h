@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "desktop/WindowSystem.h"
-#include "desktop/wayland/CommandedEventTaps.h"
 #include "desktop/wayland/WaylandDesktop.h"
 #include "platform/RunLoop.h"
 
@@ -16,29 +15,23 @@ class WaylandWindowSystem final : public WindowSystem {
  public:
   /// Why this desktop is not to be served by it; empty when it is.
   [[nodiscard]] static std::string refusal();
-  /// `textMetrics` and `housings` must outlive it; the others are of no use here.
+  /// `textMetrics` and `housings` must outlive it.
   WaylandWindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
-                      CameraHousings& housings, const std::function<void()>& onKeysTaken);
+                      CameraHousings& housings);
 
   [[nodiscard]] QJsonObject backends() const override;
-  [[nodiscard]] QJsonObject mediaKeys() const override { return {}; }
   [[nodiscard]] std::uint64_t framesDrawn() const override { return desktop_.framesDrawn; }
   void setOnMenuRequested(std::function<void(QPoint)> block) override {
     desktop_.onMenuRequested = std::move(block);
   }
-  void preferencesChanged() override {}
 
   [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }
   [[nodiscard]] platform::PanelWindows& panelWindows() override { return desktop_.panelWindows; }
   [[nodiscard]] platform::Pointer& pointer() override { return desktop_.pointer; }
   [[nodiscard]] platform::Cursor& cursor() override { return desktop_.cursor; }
-  [[nodiscard]] platform::EventTaps& eventTaps() override { return eventTaps_; }
-  [[nodiscard]] platform::Accessibility& accessibility() override { return accessibility_; }
 
  private:
   WaylandDesktop desktop_;
-  CommandedEventTaps eventTaps_;
-  CommandedAccessibility accessibility_;
 };
 
 }  // namespace valdrix::desktop

@@ -7,10 +7,9 @@
 #include <QJsonObject>
 #include <QPoint>
 
+#include "desktop/keys/KeySource.h"
 #include "observation/Token.h"
-#include "platform/Accessibility.h"
 #include "platform/Cursor.h"
-#include "platform/EventTaps.h"
 #include "platform/PanelWindow.h"
 #include "platform/Pointer.h"
 #include "platform/Screens.h"
@@ -24,8 +23,6 @@ class WindowSystem {
 
   /// What serves each port, for the status: port name to backend name.
   [[nodiscard]] virtual QJsonObject backends() const = 0;
-  /// What is known of the media keys beyond the tap itself, for the status.
-  [[nodiscard]] virtual QJsonObject mediaKeys() const = 0;
   /// Pictures of panels drawn so far.
   [[nodiscard]] virtual std::uint64_t framesDrawn() const = 0;
   /// Calls `block` when the user asks a panel for the menu, with the place in points from the top
@@ -38,15 +35,14 @@ class WindowSystem {
   [[nodiscard]] virtual bool hasTray() const { return false; }
   // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
   [[nodiscard]] virtual Token observeTray(std::function<void()> /*block*/) { return {}; }
-  /// The preferences may have changed: keys that would be passed on are given back.
-  virtual void preferencesChanged() = 0;
+  /// What makes the source of the media keys that the window system itself gives; empty where it
+  /// gives them to no program.
+  [[nodiscard]] virtual KeySource::Maker keySource() { return {}; }
 
   [[nodiscard]] virtual platform::Screens& screens() = 0;
   [[nodiscard]] virtual platform::PanelWindows& panelWindows() = 0;
   [[nodiscard]] virtual platform::Pointer& pointer() = 0;
   [[nodiscard]] virtual platform::Cursor& cursor() = 0;
-  [[nodiscard]] virtual platform::EventTaps& eventTaps() = 0;
-  [[nodiscard]] virtual platform::Accessibility& accessibility() = 0;
 };
 
 }  // namespace valdrix::desktop

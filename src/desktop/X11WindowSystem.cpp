@@ -3,7 +3,8 @@
 #include <utility>
 
 #include <QGuiApplication>
-#include <QJsonArray>
+
+#include "desktop/x11/X11Keys.h"
 
 namespace valdrix::desktop {
 
@@ -12,30 +13,20 @@ std::string X11WindowSystem::refusal() {
 }
 
 X11WindowSystem::X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
-                                 CameraHousings& housings, std::function<void()> onKeysTaken)
-    : desktop_(textMetrics, housings),
-      eventTaps_(runLoop),
-      accessibility_(eventTaps_, std::move(onKeysTaken)) {}
+                                 CameraHousings& housings)
+    : desktop_(textMetrics, housings), runLoop_(runLoop) {}
 
 std::uint64_t X11WindowSystem::framesDrawn() const { return desktop_.framesDrawn; }
 
 QJsonObject X11WindowSystem::backends() const {
   const QString panel = desktop_.compositing.isActive() ? "x11-argb" : "x11-shaped";
-  return {{"screens", "x11"}, {"panelWindows", panel},    {"pointer", "x11"},
-          {"cursor", "x11"},  {"eventTaps", "x11-grabs"}, {"accessibility", "x11-grabs"}};
+  return {{"screens", "x11"}, {"panelWindows", panel}, {"pointer", "x11"}, {"cursor", "x11"}};
 }
 
-QJsonObject X11WindowSystem::mediaKeys() const {
-  const auto codes = [](const std::vector<std::uint32_t>& keys) {
-    QJsonArray array;
-    for (const auto code : keys) array.append(static_cast<int>(code));
-    return array;
+KeySource::Maker X11WindowSystem::keySource() {
+  return [this](KeySource::Events events) {
+    return std::make_unique<X11Keys>(std::string(), runLoop_, std::move(events));
   };
-  const MediaKeyStatus status = eventTaps_.status();
-  return {{"held", codes(status.held)},
-          {"missing", codes(status.missing)},
-          {"released", codes(status.released)},
-          {"absent", codes(status.absent)}};
 }
 
 }  // namespace valdrix::desktop

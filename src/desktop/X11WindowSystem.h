@@ -5,9 +5,7 @@
 #include <utility>
 
 #include "desktop/WindowSystem.h"
-#include "desktop/x11/X11Accessibility.h"
 #include "desktop/x11/X11Desktop.h"
-#include "desktop/x11/X11EventTaps.h"
 #include "platform/RunLoop.h"
 
 namespace valdrix::desktop {
@@ -17,13 +15,11 @@ class X11WindowSystem final : public WindowSystem {
  public:
   /// Why this desktop is not to be served by it; empty when it is.
   [[nodiscard]] static std::string refusal();
-  /// `onKeysTaken` is called once when another program has the media keys. The other arguments must
-  /// outlive it.
+  /// All must outlive it.
   X11WindowSystem(platform::RunLoop& runLoop, const QtTextMetrics& textMetrics,
-                  CameraHousings& housings, std::function<void()> onKeysTaken);
+                  CameraHousings& housings);
 
   [[nodiscard]] QJsonObject backends() const override;
-  [[nodiscard]] QJsonObject mediaKeys() const override;
   [[nodiscard]] std::uint64_t framesDrawn() const override;
   void setOnMenuRequested(std::function<void(QPoint)> block) override {
     desktop_.onMenuRequested = std::move(block);
@@ -33,19 +29,16 @@ class X11WindowSystem final : public WindowSystem {
   [[nodiscard]] Token observeTray(std::function<void()> block) override {
     return desktop_.tray.observeChanges(std::move(block));
   }
-  void preferencesChanged() override { eventTaps_.reconsider(); }
+  [[nodiscard]] KeySource::Maker keySource() override;
 
   [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }
   [[nodiscard]] platform::PanelWindows& panelWindows() override { return desktop_.panelWindows; }
   [[nodiscard]] platform::Pointer& pointer() override { return desktop_.pointer; }
   [[nodiscard]] platform::Cursor& cursor() override { return desktop_.cursor; }
-  [[nodiscard]] platform::EventTaps& eventTaps() override { return eventTaps_; }
-  [[nodiscard]] platform::Accessibility& accessibility() override { return accessibility_; }
 
  private:
   X11Desktop desktop_;
-  X11EventTaps eventTaps_;
-  X11Accessibility accessibility_;
+  platform::RunLoop& runLoop_;
 };
 
 }  // namespace valdrix::desktop

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include "tests/support/WaitFor.h"
@@ -85,6 +86,12 @@ std::unique_ptr<ChildProcess> AgentDesktop::launch(const QStringList& words) con
 
 QJsonObject AgentDesktop::status() const {
   return QJsonDocument::fromJson(command({"status"}).output.toUtf8()).object();
+}
+
+QString AgentDesktop::keyState(const QString& word) const {
+  for (const auto& key : status()["mediaKeys"].toObject()["keys"].toArray())
+    if (key.toObject()["key"] == word) return key.toObject()["state"].toString();
+  return {};
 }
 
 QString AgentDesktop::presentation() const {

@@ -55,6 +55,8 @@ class AgentDesktop {
   /// What the program says of itself; empty when it does not answer.
   [[nodiscard]] QJsonObject status() const;
   [[nodiscard]] QString presentation() const;
+  /// How a media key, by its word in commands, stands: "held", "released", …
+  [[nodiscard]] QString keyState(const QString& word) const;
   /// Waits until the panel shows that.
   [[nodiscard]] bool awaitPresentation(const QString& wanted);
   /// The device pixel of the screen, as the user sees it.

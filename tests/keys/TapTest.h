@@ -12,8 +12,9 @@
 
 namespace valdrix::tests {
 
-/// A tap that notes the keys that no modifier but Shift is held with, as "shift+volumeUp down
-/// repeat", and swallows them unless they are among those to be passed on.
+/// A tap that notes the presses with no modifier but Shift, as "shift+volumeUp repeat", and
+/// swallows them unless they are among those to be passed on. Releases mean nothing to the program,
+/// and some taps never see them.
 class TapTest : public testing::Test {
  protected:
   [[nodiscard]] virtual platform::EventTaps& taps() = 0;
@@ -57,8 +58,9 @@ class TapTest : public testing::Test {
     const auto code = data >> 16;
     const auto state = data >> 8 & 0xFF;
     EXPECT_TRUE(state == 0x0A || state == 0x0B) << state;
-    seen_.push_back(((event.modifierFlags & flag::shift) ? "shift+" : "") + mediaKeyName(code) +
-                    (state == 0x0A ? " down" : " up") + ((data & 1U) ? " repeat" : ""));
+    if (state == 0x0A)
+      seen_.push_back(((event.modifierFlags & flag::shift) ? "shift+" : "") + mediaKeyName(code) +
+                      ((data & 1U) ? " repeat" : ""));
     return passed_.contains(code) ? platform::TapResult::pass : platform::TapResult::swallow;
   }
 };

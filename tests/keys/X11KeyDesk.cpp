@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <poll.h>
 #include <utility>
 // xcb's header has a field of this name.
 #define explicit explicit_
@@ -11,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <xcb/xcb_keysyms.h>
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 #include "tests/support/WaitFor.h"
@@ -99,7 +101,9 @@ void X11KeyDesk::read() {
     if (key == letterKey) {
       letters_ += type == XCB_KEY_RELEASE ? 1 : 0;
     } else if (std::find(quietKeys.begin(), quietKeys.end(), key) == quietKeys.end()) {
-      got_.push_back(nameOf(key) + (type == XCB_KEY_PRESS ? " down" : " up"));
+      const bool isDown = type == XCB_KEY_PRESS;
+      if (isDown ? down_.insert(key).second : down_.erase(key) > 0)
+        got_.push_back(nameOf(key) + (isDown ? " down" : " up"));
     }
   }
 }
@@ -116,6 +120,29 @@ std::vector<std::string> X11KeyDesk::windowGot() {
   QCoreApplication::processEvents();
   if (pump_) pump_();
   return std::exchange(got_, {});
+}
+
+bool X11KeyDesk::awaitFreeKeyboard() {
+  auto* connection = display_->connection();
+  return await([&] {
+    const auto grab = xcbOwned(
+        xcb_grab_keyboard_reply(connection,
+                                xcb_grab_keyboard(connection, 0, display_->root(), XCB_CURRENT_TIME,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                nullptr));
+    xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
+    synchronize(connection);
+    return grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
+  });
+}
+
+bool X11KeyDesk::typesWhileWeSleep() {
+  const auto before = letters_;
+  tapCode(letterKey);
+  constexpr int patience = 5000;
+  pollfd readable{xcb_get_file_descriptor(client_.get()), POLLIN, 0};
+  for (read(); letters_ == before && poll(&readable, 1, patience) > 0;) read();
+  return letters_ > before;
 }
 
 bool X11KeyDesk::changeKeymap(std::vector<std::string> arguments) {
@@ -142,7 +169,28 @@ bool OtherGrabber::grab(std::uint32_t code) {
   return !xcbOwned(xcb_request_check(client_.get(), cookie));
 }
 
+bool OtherGrabber::grabByXInput(std::uint32_t code) {
+  const auto version = xcbOwned(xcb_input_xi_query_version_reply(
+      client_.get(), xcb_input_xi_query_version(client_.get(), 2, 2), nullptr));
+  const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+  const std::uint32_t modifiers = XCB_INPUT_MODIFIER_MASK_ANY;
+  const auto reply = xcbOwned(xcb_input_xi_passive_grab_device_reply(
+      client_.get(),
+      xcb_input_xi_passive_grab_device(
+          client_.get(), XCB_CURRENT_TIME, root_, XCB_CURSOR_NONE,
+          desk_.keycodeOf(mediaKeysym(code)), XCB_INPUT_DEVICE_ALL_MASTER, 1, 1,
+          XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_MODE_22_ASYNC,
+          XCB_INPUT_GRAB_OWNER_NO_OWNER, &events, &modifiers),
+      nullptr));
+  return version && reply && reply->num_modifiers == 0;
+}
+
 void OtherGrabber::ungrabAll() {
+  const std::uint32_t modifiers = XCB_INPUT_MODIFIER_MASK_ANY;
+  for (const auto& [code, key] : mediaKeys)
+    xcb_input_xi_passive_ungrab_device(client_.get(), root_, key.keycode,
+                                       XCB_INPUT_DEVICE_ALL_MASTER, 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
+                                       &modifiers);
   xcb_ungrab_key(client_.get(), XCB_GRAB_ANY, root_, XCB_MOD_MASK_ANY);
   synchronize(client_.get());
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,13 @@ class X11KeyDesk {
 
   /// Types a letter, waits until the window has it, and returns the media keys that it got since
   /// the last call: "volumeUp down", "volumeUp up", …; anything else by its keycode, modifiers left
-  /// out. The keyboard keeps its order, so all earlier keys have been dealt with.
+  /// out, and so is a release without its press, which programs pay no heed to. The keyboard keeps
+  /// its order, so all earlier keys have been dealt with.
   [[nodiscard]] std::vector<std::string> windowGot();
+  /// Waits until nobody has a grab of the keyboard.
+  [[nodiscard]] bool awaitFreeKeyboard();
+  /// Whether a letter that is typed now reaches the window while this process does nothing else.
+  [[nodiscard]] bool typesWhileWeSleep();
   /// Changes the keymap by a program and waits until the server has it.
   [[nodiscard]] bool changeKeymap(std::vector<std::string> arguments);
   /// Switches the keyboard to its layout `group` (from 0).
@@ -56,6 +62,7 @@ class X11KeyDesk {
   desktop::XcbConnection client_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
   std::vector<std::string> got_;
+  std::set<xcb_keycode_t> down_;
   std::size_t letters_ = 0;
   std::function<void()> pump_;
 };
@@ -64,8 +71,9 @@ class X11KeyDesk {
 class OtherGrabber {
  public:
   explicit OtherGrabber(X11KeyDesk& desk);
-  /// Whether it got them.
+  /// Whether it got them, by the core protocol or by XInput 2.
   bool grab(std::uint32_t code);
+  bool grabByXInput(std::uint32_t code);
   void ungrabAll();
 
  private:

@@ -2,14 +2,18 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
 #include <QTemporaryDir>
 
 #include "desktop/calendar/DesktopEventStore.h"
+#include "desktop/keys/MediaKeyTaps.h"
 #include "desktop/privacy/CalendarAccessTab.h"
 #include "desktop/privacy/KeyAccessTab.h"
 #include "desktop/privacy/PrivacySettings.h"
@@ -52,10 +56,34 @@ struct NoPrompt final : AccessPrompt {
   void ask(std::function<void(Answer)> /*onAnswer*/) override { FAIL() << "asked again"; }
 };
 
-struct Trust final : platform::Accessibility {
-  [[nodiscard]] bool isProcessTrusted() override { return isTrusted; }
-  bool isProcessTrustedWithOptions(bool /*prompt*/) override { return isTrusted; }
-  bool isTrusted = true;
+/// Stands as a test says.
+struct Source final : KeySource {
+  explicit Source(Events told) : events(std::move(told)) {}
+  [[nodiscard]] std::string name() const override { return "source"; }
+  [[nodiscard]] bool offers(platform::MediaKey) const override { return true; }
+  void hold(const std::set<platform::MediaKey>&) override {}
+  [[nodiscard]] KeyState state(platform::MediaKey key) const override {
+    const auto found = states.find(key);
+    return found == states.end() ? KeyState::held : found->second;
+  }
+  Events events;
+  std::map<platform::MediaKey, KeyState> states;
+};
+
+struct Custody final : KeyCustody {
+  [[nodiscard]] State state() const override { return itsState; }
+  void entrust() override { change(true); }
+  void restore() override { change(false); }
+  void setWanted(const std::set<platform::MediaKey>&) override {}
+  [[nodiscard]] Token observe(std::function<void()> block) override {
+    return observers.add(std::move(block));
+  }
+  void change(bool isEntrusted) {
+    itsState.isEntrusted = isEntrusted;
+    observers.notify();
+  }
+  State itsState;
+  Listeners<> observers;
 };
 
 class PrivacySettingsTest : public testing::Test {
@@ -76,11 +104,32 @@ class PrivacySettingsTest : public testing::Test {
   NoPrompt prompt;
   tests::FakeCalendarSource* source = nullptr;
   std::optional<DesktopEventStore> store;
-  Trust trust;
+  /// A tap that wants all keys but the brightness down.
+  void installTap() {
+    tap = keys.createTap(
+        {}, {}, {}, ~0U,
+        {.handleEvent = {}, .wouldSwallow = [](std::uint32_t code) { return code != 3; }});
+    connection = tap->addToMainRunLoop();
+    tap->enable(true);
+  }
+  ~PrivacySettingsTest() override {
+    connection.reset();
+    tap.reset();
+  }
+  sim::Trace trace;
+  sim::ManualRunLoop clock{trace};
+  Source* keySource = nullptr;
+  MediaKeyTaps keys{clock, {[this](KeySource::Events events) {
+                      auto made = std::make_unique<Source>(std::move(events));
+                      keySource = made.get();
+                      return made;
+                    }}};
+  std::unique_ptr<platform::EventTap> tap;
+  Token connection;
 };
 
 TEST_F(PrivacySettingsTest, CalendarsAreGivenAndTakenBack) {
-  PrivacySettings settings({*store, record, trust, runLoop, [] { return MediaKeyReport(); }});
+  PrivacySettings settings({*store, record, keys});
   EventAuthorization known = store->authorizationStatus();
   const auto answers = settings.observeAnswers([&] {
     store->requestFullAccessToEvents([&](bool) { known = store->authorizationStatus(); });
@@ -107,62 +156,58 @@ TEST_F(PrivacySettingsTest, CalendarsAreGivenAndTakenBack) {
 }
 
 TEST_F(PrivacySettingsTest, KeysShowWhoHasThemAndWhoElseShowsThem) {
-  const auto* const gnome = indicatorOf({"ubuntu", "GNOME"});
-  const struct {
-    MediaKeyReport report;
-    const DesktopIndicator* indicator;
-    Lines lines;
-    const char* footer;
-  } rows[]{
-      {{"x11-grabs", {0}, {}, {2}, {7}},
-       gnome,
-       {"Moyen: serveur X", "Volume plus fort: valdrix", "Muet: absente du clavier",
-        "Luminosité plus forte: laissée au bureau", "[Indicateur du bureau]",
-        "GNOME: ne s'affiche pas"},
-       "jamais ce que tu tapes"},
-      {{"x11-grabs", {}, {0}, {}, {}},
-       gnome,
-       {"Moyen: serveur X", "Volume plus fort: un autre programme", "[Indicateur du bureau]",
-        "GNOME: s'affiche aussi"},
-       "Un autre programme"},
-      {{"x11-grabs", {0}, {}, {}, {}},
-       indicatorOf({"XFCE"}),
-       {"Moyen: serveur X", "Volume plus fort: valdrix", "[Indicateur du bureau]",
-        "Xfce: s'affiche aussi"},
-       "jamais ce que tu tapes"},
-      {{},
-       indicatorOf({"sway"}),
-       {"[Commandes]", "Volume plus fort: valdrix key volume-up",
-        "Volume moins fort: valdrix key volume-down", "Muet: valdrix key mute",
-        "Luminosité plus forte: valdrix key brightness-up",
-        "Luminosité moins forte: valdrix key brightness-down", "[Indicateur du bureau]",
-        "Ce bureau n'en a pas de connu"},
-       ""},
-  };
-  for (const auto& row : rows) {
-    const KeyAccessTab tab(
-        trust, runLoop, [&] { return row.report; }, row.indicator);
-    auto expected = row.lines;
-    expected.insert(expected.begin(), {"[Touches de volume et de luminosité]",
-                                       row.report.isEmpty() ? "Interception: par commandes"
-                                                            : "Interception: possible"});
-    EXPECT_EQ(lines(tab), expected);
-    EXPECT_THAT(footer(tab), HasSubstr(row.footer));
-  }
+  using platform::MediaKey;
+  installTap();
+  const Lines held{"[Touches de volume et de luminosité]",
+                   "Interception: complète",
+                   "Volume plus fort: valdrix",
+                   "Volume moins fort: valdrix",
+                   "Muet: valdrix",
+                   "Luminosité plus forte: valdrix",
+                   "Luminosité moins forte: laissée au bureau",
+                   "[Indicateur du bureau]"};
+  const KeyAccessTab gnome(keys, nullptr, indicatorOf({"ubuntu", "GNOME"}));
+  auto expected = held;
+  expected.push_back("GNOME: ne s'affiche pas");
+  EXPECT_EQ(lines(gnome), expected);
+
+  keySource->states = {{MediaKey::mute, KeyState::taken},
+                       {MediaKey::brightnessUp, KeyState::absent}};
+  keySource->events.changed();
+  clock.runPending();
+  expected[1] = "Interception: en partie";
+  expected[4] = "Muet: un autre programme";
+  expected[5] = "Luminosité plus forte: absente du clavier";
+  expected.back() = "GNOME: s'affiche aussi";
+  EXPECT_EQ(lines(gnome), expected);
+
+  for (const auto& [key, word] : platform::mediaKeys) keySource->states[key] = KeyState::withheld;
+  keySource->events.changed();
+  clock.runPending();
+  const auto withheld = lines(gnome);
+  EXPECT_EQ(withheld[1], "Interception: aucune");
+  EXPECT_EQ(withheld[2], "Volume plus fort: le bureau");
+  EXPECT_THAT(withheld,
+              testing::IsSupersetOf(
+                  {"[Commandes]", "Luminosité moins forte: valdrix key brightness-down"}));
 }
 
-TEST_F(PrivacySettingsTest, KeysAreFollowedWhileTheyAreShown) {
-  sim::Trace trace;
-  sim::ManualRunLoop clock(trace);
-  const KeyAccessTab tab(
-      trust, clock,
-      [] {
-        return MediaKeyReport{"x11-grabs", {0}, {}, {}, {}};
-      },
-      nullptr);
-  trust.isTrusted = false;
-  clock.advance(1.5);
-  EXPECT_EQ(lines(tab)[1], "Interception: impossible");
+TEST_F(PrivacySettingsTest, KeysAreEntrustedAndGivenBackByAButton) {
+  Custody custody;
+  custody.itsState.places = {{platform::MediaKey::mute, KeyCustody::Place::desktop}};
+  custody.itsState.note = "Une remarque.";
+  const KeyAccessTab tab(keys, &custody, nullptr);
+  const auto button = [&tab] {
+    const auto form = std::get<view::Form>(tab.body());
+    return std::get<view::PushButton>(form.sections.at(1).rows.at(0).content);
+  };
+  EXPECT_THAT(lines(tab), testing::Contains("Une remarque."));
+  EXPECT_EQ(button().title, "Confier les touches à valdrix");
+  button().action();
+  EXPECT_TRUE(custody.itsState.isEntrusted);
+  EXPECT_EQ(button().title, "Rendre les touches au bureau");
+  button().action();
+  EXPECT_FALSE(custody.itsState.isEntrusted);
 }
 
 }  // namespace

@@ -1,81 +1,114 @@
 #include "desktop/privacy/KeyAccessTab.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <string>
 #include <utility>
 
-#include "desktop/session/DesktopNotification.h"
-
 namespace valdrix::desktop {
+
+using platform::MediaKey;
 
 namespace {
 
-constexpr double lookInterval = 1.5;
+std::string nameOf(MediaKey key) {
+  switch (key) {
+    case MediaKey::volumeUp:
+      return "Volume plus fort";
+    case MediaKey::volumeDown:
+      return "Volume moins fort";
+    case MediaKey::mute:
+      return "Muet";
+    case MediaKey::brightnessUp:
+      return "Luminosité plus forte";
+    case MediaKey::brightnessDown:
+      break;
+  }
+  return "Luminosité moins forte";
+}
 
-struct Key {
-  std::uint32_t code;
-  const char* name;
-  const char* command;
-};
-constexpr std::array<Key, 5> mediaKeys{{{0, "Volume plus fort", "volume-up"},
-                                        {1, "Volume moins fort", "volume-down"},
-                                        {7, "Muet", "mute"},
-                                        {2, "Luminosité plus forte", "brightness-up"},
-                                        {3, "Luminosité moins forte", "brightness-down"}}};
+std::string holderOf(KeyState state) {
+  switch (state) {
+    case KeyState::held:
+      return "valdrix";
+    case KeyState::taken:
+      return "un autre programme";
+    case KeyState::withheld:
+      return "le bureau";
+    case KeyState::absent:
+      return "absente du clavier";
+    case KeyState::released:
+      break;
+  }
+  return "laissée au bureau";
+}
 
 view::FormRow row(const std::string& title, const std::string& value) {
   return {.content = view::LabeledRow{title, view::ValueText{value}}, .id = title};
 }
 
-std::optional<std::string> holder(const MediaKeyReport& report, std::uint32_t code) {
-  const std::pair<const std::vector<std::uint32_t>&, const char*> holders[]{
-      {report.held, "valdrix"},
-      {report.missing, "un autre programme"},
-      {report.released, "laissée au bureau"},
-      {report.absent, "absente du clavier"}};
-  for (const auto& [codes, name] : holders)
-    if (std::ranges::find(codes, code) != codes.end()) return name;
-  return std::nullopt;
+bool isAny(const KeyAccount& account, KeyState state) {
+  return std::ranges::any_of(
+      account.keys, [state](const auto& entry) { return entry.isWanted && entry.state == state; });
 }
 
-std::string nameOf(const std::string& backend) {
-  return backend == "x11-grabs" ? "serveur X" : backend;
+std::string interception(const KeyAccount& account) {
+  if (account.isComplete()) return "complète";
+  return isAny(account, KeyState::held) ? "en partie" : "aucune";
 }
 
 }  // namespace
 
-KeyAccessTab::KeyAccessTab(platform::Accessibility& accessibility, platform::RunLoop& runLoop,
-                           std::function<MediaKeyReport()> report,
+KeyAccessTab::KeyAccessTab(MediaKeyTaps& keys, KeyCustody* custody,
                            const DesktopIndicator* indicator)
-    : accessibility_(accessibility),
-      report_(std::move(report)),
+    : keys_(keys),
+      custody_(custody),
       indicator_(indicator),
-      timer_(runLoop.scheduleTimer(lookInterval, true, [this] { refresh(); })) {
+      accountObserver_(keys.observeAccount([this] { refresh(); })) {
+  if (custody_) custodyObserver_ = custody_->observe([this] { refresh(); });
   refresh();
 }
 
-void KeyAccessTab::refresh() { state_ = {accessibility_.isProcessTrusted(), report_()}; }
+void KeyAccessTab::refresh() {
+  state_ = {keys_.account(), custody_ ? custody_->state() : KeyCustody::State()};
+}
 
 view::TabContent KeyAccessTab::body() const {
+  const auto& state = state_.get();
   view::Form form{{keys()}};
-  if (state_.get().keys.isEmpty()) form.sections.push_back(commands());
+  if (!state.custody.places.empty()) form.sections.push_back(custody());
+  if (isAny(state.account, KeyState::withheld)) form.sections.push_back(commands());
   form.sections.push_back(indicator());
   return form;
 }
 
 view::FormSection KeyAccessTab::keys() const {
-  const auto& [isTrusted, report] = state_.get();
-  const char* const interception =
-      report.isEmpty() ? "par commandes" : (isTrusted ? "possible" : "impossible");
+  const auto& account = state_.get().account;
   view::FormSection section{.header = "Touches de volume et de luminosité",
-                            .rows = {row("Interception", interception)},
+                            .rows = {row("Interception", interception(account))},
                             .footer = "valdrix ne reçoit que ces touches, jamais ce que tu tapes."};
-  if (!report.isEmpty()) section.rows.push_back(row("Moyen", nameOf(report.backend)));
-  for (const auto& key : mediaKeys)
-    if (const auto name = holder(report, key.code)) section.rows.push_back(row(key.name, *name));
-  if (!report.missing.empty()) section.footer = DesktopNotification::mediaKeysTaken().body;
+  for (const auto& entry : account.keys)
+    section.rows.push_back(row(nameOf(entry.key), holderOf(entry.state)));
+  return section;
+}
+
+view::FormSection KeyAccessTab::custody() const {
+  const auto& custody = state_.get().custody;
+  const view::PushButton button =
+      custody.isEntrusted
+          ? view::PushButton{"Rendre les touches au bureau", [this] { custody_->restore(); }}
+          : view::PushButton{"Confier les touches à valdrix", [this] { custody_->entrust(); }};
+  const char* const explanation = custody.isEntrusted
+                                      ? "Les réglages du bureau laissent ces touches à valdrix. Ce "
+                                        "qui s'y trouvait est gardé et "
+                                        "remis dès que tu les rends."
+                                      : "valdrix retire leurs raccourcis des réglages du bureau, "
+                                        "garde ce qui s'y trouvait et le "
+                                        "remet quand tu veux.";
+  view::FormSection section{.header = "Réglages du bureau",
+                            .rows = {{.content = button, .id = "custody"}},
+                            .footer = custody.isBusy ? "Un instant…" : explanation};
+  if (!custody.note.empty())
+    section.rows.push_back({.content = view::FormText{custody.note}, .id = "note"});
   return section;
 }
 
@@ -84,23 +117,23 @@ view::FormSection KeyAccessTab::commands() const {
       .header = "Commandes",
       .rows = {},
       .footer =
-          "Ton bureau ne laisse aucun programme réserver des touches. Dans ses raccourcis "
+          "Ton bureau ne laisse aucun programme réserver ces touches. Dans ses raccourcis "
           "clavier, associe à chacune sa commande."};
-  for (const auto& key : mediaKeys)
-    section.rows.push_back(row(key.name, std::string("valdrix key ") + key.command));
+  for (const auto& [key, word] : platform::mediaKeys)
+    section.rows.push_back(row(nameOf(key), "valdrix key " + std::string(word)));
   return section;
 }
 
 view::FormSection KeyAccessTab::indicator() const {
-  const auto& report = state_.get().keys;
+  const auto& account = state_.get().account;
   view::FormSection section{.header = "Indicateur du bureau", .rows = {}};
   if (indicator_ == nullptr) {
     section.rows.push_back(
         {.content = view::FormText{"Ce bureau n'en a pas de connu", view::Prominence::secondary}});
     return section;
   }
-  const bool isShown = indicator_->cause == DesktopIndicator::Cause::anyChange ||
-                       report.isEmpty() || !report.missing.empty();
+  const bool isShown =
+      indicator_->cause == DesktopIndicator::Cause::anyChange || !account.isComplete();
   section.rows.push_back(
       row(indicator_->desktop, isShown ? "s'affiche aussi" : "ne s'affiche pas"));
   section.footer = isShown ? indicator_->remedy : "Il ne réagit qu'aux touches que le bureau a.";

@@ -46,8 +46,7 @@ view::SettingsScene PrivacySettings::scene() {
                         }},
                    {.label = "Touches", .symbol = "speaker.wave.2.fill", .make = [this] {
                       const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
-                      return std::make_unique<KeyAccessTab>(ports_.accessibility, ports_.runLoop,
-                                                            ports_.mediaKeys,
+                      return std::make_unique<KeyAccessTab>(ports_.mediaKeys, ports_.custody,
                                                             indicatorOf(desktops));
                     }}}};
 }

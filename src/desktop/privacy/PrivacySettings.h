@@ -7,13 +7,12 @@
 
 #include <QObject>
 
-#include "desktop/privacy/MediaKeyReport.h"
+#include "desktop/keys/KeyCustody.h"
+#include "desktop/keys/MediaKeyTaps.h"
 #include "desktop/session/PrivacyRecord.h"
 #include "observation/Listeners.h"
 #include "observation/Token.h"
-#include "platform/Accessibility.h"
 #include "platform/EventStore.h"
-#include "platform/RunLoop.h"
 #include "view/SettingsScene.h"
 
 namespace valdrix::desktop {
@@ -28,9 +27,9 @@ class PrivacySettings {
   struct Ports {
     platform::EventStore& eventStore;
     PrivacyRecord& record;
-    platform::Accessibility& accessibility;
-    platform::RunLoop& runLoop;
-    std::function<MediaKeyReport()> mediaKeys;
+    MediaKeyTaps& mediaKeys;
+    /// Null where the desktop's settings cannot hand keys over.
+    KeyCustody* custody = nullptr;
   };
 
   explicit PrivacySettings(Ports ports);

@@ -24,8 +24,14 @@ void send(const QDBusConnection& connection, const DesktopNotification::Text& te
 
 DesktopNotification::Text DesktopNotification::mediaKeysTaken() {
   return {"Touches de volume et de luminosité déjà prises",
-          "Un autre programme, souvent ton bureau, se réserve ces touches. Retire leurs raccourcis "
-          "dans ses réglages du clavier : valdrix prendra le relais tout de suite."};
+          "Un autre programme, souvent ton bureau, a ces touches. La commande valdrix permissions "
+          "montre comment valdrix peut les avoir."};
+}
+
+DesktopNotification::Text DesktopNotification::mediaKeysWithheld() {
+  return {"Touches de volume et de luminosité",
+          "Ce bureau ne donne ces touches à aucun programme. La commande valdrix permissions montre "
+          "comment valdrix peut quand même les avoir."};
 }
 
 void DesktopNotification::show(const Text& text) {

@@ -16,6 +16,8 @@ class DesktopNotification {
   };
   /// Another program has the volume and brightness keys.
   [[nodiscard]] static Text mediaKeysTaken();
+  /// The window system gives them to no program.
+  [[nodiscard]] static Text mediaKeysWithheld();
 
   /// `bus` outlives this.
   explicit DesktopNotification(SessionBus& bus) : bus_(bus) {}

@@ -8,6 +8,7 @@ namespace valdrix::desktop {
 namespace {
 
 constexpr auto calendarsKey = "calendars";
+constexpr auto toldKeyLossKey = "toldKeyLoss";
 constexpr auto allowed = "allowed";
 constexpr auto refused = "refused";
 
@@ -33,5 +34,11 @@ PrivacyRecord::Answer PrivacyRecord::calendars() const {
 void PrivacyRecord::setCalendars(Answer answer) {
   file_.set(calendarsKey, std::string(answer == Answer::allowed ? allowed : refused));
 }
+
+std::string PrivacyRecord::toldKeyLoss() const {
+  return file_.stringForKey(toldKeyLossKey).value_or(std::string());
+}
+
+void PrivacyRecord::setToldKeyLoss(const std::string& cause) { file_.set(toldKeyLossKey, cause); }
 
 }  // namespace valdrix::desktop

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <string>
 
 #include "desktop/session/IniUserDefaults.h"
 #include "observation/Token.h"
@@ -9,7 +10,8 @@
 namespace valdrix::desktop {
 
 /// What the user has allowed and refused, kept apart from the preferences: an INI file whose
-/// `calendars` says `allowed` or `refused`; anything else counts as never asked. Written, watched
+/// `calendars` says `allowed` or `refused`; anything else counts as never asked. `toldKeyLoss` keeps
+/// what was told of missing keys. Written, watched
 /// and, when damaged, set aside as the preferences are; other keys stay. An answer that cannot be
 /// written holds for this run.
 class PrivacyRecord {
@@ -25,6 +27,10 @@ class PrivacyRecord {
   [[nodiscard]] Answer calendars() const;
   /// `answer` is a given one.
   void setCalendars(Answer answer);
+
+  /// The loss of keys that the user was told of last; empty when of none.
+  [[nodiscard]] std::string toldKeyLoss() const;
+  void setToldKeyLoss(const std::string& cause);
 
   /// Calls `block` at a later turn of the loop after the record changed, whoever changed it.
   [[nodiscard]] Token observeChanges(std::function<void()> block) {

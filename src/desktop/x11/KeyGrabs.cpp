@@ -1,10 +1,46 @@
 #include "desktop/x11/KeyGrabs.h"
 
+#include <cstdint>
 #include <utility>
+
+#include <xcb/xinput.h>
 
 #include "desktop/x11/XcbHandles.h"
 
 namespace valdrix::desktop {
+
+namespace {
+
+/// The answers to one combination's two grabs.
+struct Request {
+  KeyCombination combination;
+  xcb_void_cookie_t core;
+  xcb_input_xi_passive_grab_device_cookie_t xinput;
+};
+
+Request sendGrabs(xcb_connection_t* connection, xcb_window_t root,
+                  const KeyCombination& combination) {
+  const std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+  const std::uint32_t modifiers = combination.modifiers;
+  const auto core = xcb_grab_key_checked(connection, 0, root, combination.modifiers,
+                                         combination.key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+  const auto xinput = xcb_input_xi_passive_grab_device(
+      connection, XCB_CURRENT_TIME, root, XCB_CURSOR_NONE, combination.key,
+      XCB_INPUT_DEVICE_ALL_MASTER, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
+      XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &mask, &modifiers);
+  return {combination, core, xinput};
+}
+
+bool isDenied(xcb_connection_t* connection, const Request& request) {
+  const auto answer =
+      xcbOwned(xcb_input_xi_passive_grab_device_reply(connection, request.xinput, nullptr));
+  const bool isCoreDenied =
+      static_cast<bool>(xcbOwned(xcb_request_check(connection, request.core)));
+  // The answer lists the modifiers with which it failed.
+  return isCoreDenied || !answer || answer->num_modifiers > 0;
+}
+
+}  // namespace
 
 KeyGrabs::KeyGrabs(xcb_connection_t* connection) : connection_(connection) {
   if (xcb_connection_has_error(connection)) return;
@@ -13,19 +49,13 @@ KeyGrabs::KeyGrabs(xcb_connection_t* connection) : connection_(connection) {
 }
 
 std::set<xcb_keycode_t> KeyGrabs::grab(const std::set<KeyCombination>& wanted) {
-  std::vector<std::pair<xcb_keycode_t, xcb_void_cookie_t>> requests;
-  for (const auto& combination : wanted) {
-    for (const auto root : roots_) {
-      requests.emplace_back(
-          combination.key,
-          xcb_grab_key_checked(connection_, 0, root, combination.modifiers, combination.key,
-                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_SYNC));
-    }
-  }
+  std::vector<Request> requests;
+  for (const auto& combination : wanted)
+    for (const auto root : roots_) requests.push_back(sendGrabs(connection_, root, combination));
+  // From the last to the first, so that there is one wait for them all.
   std::set<xcb_keycode_t> denied;
-  for (const auto& [key, cookie] : requests) {
-    if (xcbOwned(xcb_request_check(connection_, cookie))) denied.insert(key);
-  }
+  for (auto request = requests.rbegin(); request != requests.rend(); ++request)
+    if (isDenied(connection_, *request)) denied.insert(request->combination.key);
   for (const auto& combination : wanted) {
     if (denied.contains(combination.key)) {
       ungrab(combination);
@@ -34,11 +64,13 @@ std::set<xcb_keycode_t> KeyGrabs::grab(const std::set<KeyCombination>& wanted) {
       held_.insert(combination);
     }
   }
-  xcb_flush(connection_);
+  // Of what is denied in one way the other way may have been had for a moment.
+  if (!denied.empty()) synchronize();
   return denied;
 }
 
 void KeyGrabs::releaseAllBut(const std::set<KeyCombination>& kept) {
+  const auto count = held_.size();
   for (auto combination = held_.begin(); combination != held_.end();) {
     if (kept.contains(*combination)) {
       ++combination;
@@ -47,12 +79,22 @@ void KeyGrabs::releaseAllBut(const std::set<KeyCombination>& kept) {
       combination = held_.erase(combination);
     }
   }
-  xcb_flush(connection_);
+  // Whoever is told that they are free may press one of them.
+  if (held_.size() != count) synchronize();
+}
+
+void KeyGrabs::synchronize() {
+  const auto answer =
+      xcbOwned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
 }
 
 void KeyGrabs::ungrab(const KeyCombination& combination) {
+  const std::uint32_t modifiers = combination.modifiers;
   for (const auto root : roots_) {
     xcb_ungrab_key(connection_, combination.key, root, combination.modifiers);
+    xcb_input_xi_passive_ungrab_device(connection_, root, combination.key,
+                                       XCB_INPUT_DEVICE_ALL_MASTER, 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
+                                       &modifiers);
   }
 }
 

@@ -65,7 +65,6 @@ KeyModifiers readKeyModifiers(xcb_connection_t* connection, const Keymap& keymap
     for (unsigned i = 0; i < reply->keycodes_per_modifier; ++i) {
       const auto key = keys[index * reply->keycodes_per_modifier + i];
       if (key == 0) continue;
-      modifiers.keys.insert(key);
       const auto more = keymap.keysyms(key);
       symbols.insert(symbols.end(), more.begin(), more.end());
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <set>
 #include <vector>
 
 #include <xcb/xcb.h>
@@ -17,8 +16,6 @@ struct KeyModifiers {
   std::uint16_t command = 0;  ///< Super, Hyper, and Meta where it is apart from Alt
   /// Caps Lock, and whatever else locks and says nothing about the key pressed with it.
   std::uint16_t locks = XCB_MOD_MASK_LOCK;
-  /// The keys that work as modifiers.
-  std::set<xcb_keycode_t> keys;
 
   /// The port's modifier flags for an X event's state.
   [[nodiscard]] std::uint32_t flags(std::uint16_t state) const;

@@ -21,12 +21,8 @@ class Keymap {
                                             std::uint16_t modifiers) const = 0;
 };
 
-/// Reads the keymap with all its layouts and levels; null when the server has no keyboard extension
-/// or the connection has not been set up for it (see `setUpXkb`). Waits for the server.
+/// Reads the keymap with all its layouts and levels; null when the server is gone or the connection
+/// has not been set up for it (see `setUpXkb`). Waits for the server.
 [[nodiscard]] std::unique_ptr<Keymap> readXkbKeymap(xcb_connection_t* connection);
-
-/// Reads the keymap of the core protocol: two levels, and no layout but the first. Null when the
-/// server is gone. Waits for the server.
-[[nodiscard]] std::unique_ptr<Keymap> readCoreKeymap(xcb_connection_t* connection);
 
 }  // namespace valdrix::desktop

@@ -10,6 +10,7 @@
 
 #include "desktop/x11/KeyModifiers.h"
 #include "desktop/x11/Keymap.h"
+#include "platform/MediaKey.h"
 
 namespace valdrix::desktop {
 
@@ -23,10 +24,6 @@ struct KeyCombination {
   }
 };
 
-/// The key codes of the port: volume up 0, volume down 1, brightness up 2, brightness down 3,
-/// mute 7.
-inline constexpr std::uint32_t mediaKeyCodes[] = {0, 1, 2, 3, 7};
-
 /// Where the media keys are on a keyboard. The same key may be on several keycodes, and a keycode
 /// may be a media key in one layout or with Shift only.
 class MediaKeyMap {
@@ -35,16 +32,18 @@ class MediaKeyMap {
   MediaKeyMap(const Keymap& keymap, KeyModifiers modifiers);
 
   /// Which media key this is under an event's `state`; none when it is none.
-  [[nodiscard]] std::optional<std::uint32_t> code(xcb_keycode_t key, std::uint16_t state) const;
-  /// What has to be grabbed in order to see the media keys in `codes` in every layout.
-  [[nodiscard]] std::set<KeyCombination> combinations(const std::set<std::uint32_t>& codes) const;
+  [[nodiscard]] std::optional<platform::MediaKey> key(xcb_keycode_t keycode,
+                                                      std::uint16_t state) const;
+  /// What has to be grabbed in order to see `keys` in layout `group` (from 0).
+  [[nodiscard]] std::set<KeyCombination> combinations(const std::set<platform::MediaKey>& keys,
+                                                      std::uint32_t group) const;
   [[nodiscard]] const KeyModifiers& modifiers() const { return modifiers_; }
 
  private:
   struct Entry {
     KeyCombination combination;
     std::uint32_t group;
-    std::uint32_t code;
+    platform::MediaKey mediaKey;
   };
   void add(const Keymap& keymap, xcb_keycode_t key);
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "desktop/keys/MediaKeyTaps.h"
+#include "desktop/session/DesktopNotification.h"
+#include "desktop/session/PrivacyRecord.h"
+#include "observation/Token.h"
+#include "platform/RunLoop.h"
+
+namespace valdrix::desktop {
+
+/// Tells the user once that keys are missing: once for each cause, which the record remembers, and
+/// not anew at each login. Desktops take and leave keys while they start, so a loss is told of when
+/// it has lasted ten seconds.
+class KeyLossNotice {
+ public:
+  /// All outlive this.
+  KeyLossNotice(MediaKeyTaps& keys, PrivacyRecord& record, DesktopNotification& notification,
+                platform::RunLoop& runLoop);
+
+ private:
+  void accountChanged();
+  void tell();
+
+  MediaKeyTaps& keys_;
+  PrivacyRecord& record_;
+  DesktopNotification& notification_;
+  platform::RunLoop& runLoop_;
+  Token observer_;
+  Token patience_;
+};
+
+}  // namespace valdrix::desktop
