@@ -40,6 +40,23 @@ bool isDenied(xcb_connection_t* connection, const Request& request) {
   return isCoreDenied || !answer || answer->num_modifiers > 0;
 }
 
+std::vector<Request> sendGrabs(xcb_connection_t* connection, const std::vector<xcb_window_t>& roots,
+                               const std::set<KeyCombination>& wanted) {
+  std::vector<Request> requests;
+  for (const auto& combination : wanted)
+    for (const auto root : roots) requests.push_back(sendGrabs(connection, root, combination));
+  return requests;
+}
+
+// From the last to the first, so that there is one wait for them all.
+std::set<xcb_keycode_t> deniedOf(xcb_connection_t* connection,
+                                 const std::vector<Request>& requests) {
+  std::set<xcb_keycode_t> denied;
+  for (auto request = requests.rbegin(); request != requests.rend(); ++request)
+    if (isDenied(connection, *request)) denied.insert(request->combination.key);
+  return denied;
+}
+
 }  // namespace
 
 KeyGrabs::KeyGrabs(xcb_connection_t* connection) : connection_(connection) {
@@ -48,14 +65,15 @@ KeyGrabs::KeyGrabs(xcb_connection_t* connection) : connection_(connection) {
   for (; screens.rem; xcb_screen_next(&screens)) roots_.push_back(screens.data->root);
 }
 
+std::set<xcb_keycode_t> KeyGrabs::probe(const std::set<KeyCombination>& wanted) {
+  const auto requests = sendGrabs(connection_, roots_, wanted);
+  for (const auto& combination : wanted) ungrab(combination);
+  synchronize();
+  return deniedOf(connection_, requests);
+}
+
 std::set<xcb_keycode_t> KeyGrabs::grab(const std::set<KeyCombination>& wanted) {
-  std::vector<Request> requests;
-  for (const auto& combination : wanted)
-    for (const auto root : roots_) requests.push_back(sendGrabs(connection_, root, combination));
-  // From the last to the first, so that there is one wait for them all.
-  std::set<xcb_keycode_t> denied;
-  for (auto request = requests.rbegin(); request != requests.rend(); ++request)
-    if (isDenied(connection_, *request)) denied.insert(request->combination.key);
+  const auto denied = deniedOf(connection_, sendGrabs(connection_, roots_, wanted));
   for (const auto& combination : wanted) {
     if (denied.contains(combination.key)) {
       ungrab(combination);

@@ -24,6 +24,8 @@ class KeyGrabs {
   /// Grabs all of `wanted` and waits for the answer. A key of which another client has any part is
   /// left to it whole; those keys are returned.
   std::set<xcb_keycode_t> grab(const std::set<KeyCombination>& wanted);
+  /// The keys that `grab` would return, by one question.
+  [[nodiscard]] std::set<xcb_keycode_t> probe(const std::set<KeyCombination>& wanted);
   /// Gives up everything that is not in `kept`; waits for the server only when that is something.
   void releaseAllBut(const std::set<KeyCombination>& kept);
   [[nodiscard]] const std::set<KeyCombination>& held() const { return held_; }

@@ -153,8 +153,9 @@ void X11Keys::lookAgain() {
     if (denied_.contains(combination.key)) samples.emplace(combination.key, combination);
   std::set<KeyCombination> wanted;
   for (const auto& [key, combination] : samples) wanted.insert(combination);
-  const auto stillDenied = grabs_.grab(wanted);
-  if (stillDenied == denied_) return dispatchLater();
+  const auto stillDenied = grabs_.probe(wanted);
+  dispatchLater();
+  if (stillDenied == denied_) return;
   hold(keys_);
   events_.changed();
 }
