@@ -160,6 +160,16 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .sceneHost = sceneHost_,
              .textMetrics = textMetrics_} {
   connectMenu();
+  connectBacklight();
+}
+
+void DesktopPlatform::connectBacklight() {
+  auto& access = displayServices_.access();
+  mediaKeys_.setFutility([&access](platform::MediaKey key) {
+    return platform::isBrightnessKey(key) && !access.isGranted();
+  });
+  backlightObserver_ = access.observe([this] { mediaKeys_.reconsider(); });
+  access.check();
 }
 
 void DesktopPlatform::connectMenu() {

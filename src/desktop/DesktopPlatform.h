@@ -74,6 +74,8 @@ class DesktopPlatform {
                   std::string choice);
   /// Leads the window system's own ways to the menu to the menu.
   void connectMenu();
+  /// Leaves brightness keys to the desktop for as long as the backlight cannot be written.
+  void connectBacklight();
 
   const std::string choice_;
 
@@ -104,6 +106,7 @@ class DesktopPlatform {
   KeyLossNotice keyLossNotice_;
   PrivacySettings privacySettings_;
   Token preferencesObserver_;
+  Token backlightObserver_;
   Token trayObserver_;
   platform::Platform ports_;
 };

@@ -154,8 +154,15 @@ TEST_F(BacklightTest, WhoMayWriteDecidesAndBusAndManagerMayComeAndGo) {
   startLogin1("write");
   expect("the bus died and returned between two calls", true, 0.625F, true);
   startLogin1("deny");
+  EXPECT_TRUE(services_.access().isGranted());
+  int changes = 0;
+  const auto observer = services_.access().observe([&changes] { ++changes; });
   expect("denied", true, 0.75F, false);
+  EXPECT_FALSE(services_.access().isGranted());
   startLogin1("write");
+  services_.access().check();
+  EXPECT_TRUE(tests::waitFor([this] { return services_.access().isGranted(); }));
+  EXPECT_EQ(changes, 2);
   expect("allowed again", true, 0.75F, true);
   bus_.stop();
   std::filesystem::create_directories(tree_.root() / "run" / "systemd" / "seats");

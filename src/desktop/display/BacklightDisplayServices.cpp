@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "desktop/display/BacklightLevel.h"
-#include "desktop/display/BacklightWriter.h"
 
 namespace valdrix::desktop {
 
@@ -28,8 +27,8 @@ std::optional<std::uint64_t> observedBrightness(const Backlight& backlight) {
 
 class Library final : public platform::DisplayServicesLibrary {
  public:
-  Library(const BacklightDisplays& displays, std::filesystem::path root)
-      : displays_(displays), writer_(std::move(root)) {}
+  Library(const BacklightDisplays& displays, BacklightWriter& writer, BacklightAccess& access)
+      : displays_(displays), writer_(writer), access_(access) {}
 
   CanChangeBrightness canChangeBrightness() override {
     return [this](DisplayID display) { return canChange(display); };
@@ -71,21 +70,37 @@ class Library final : public platform::DisplayServicesLibrary {
     if (!backlight) return noBacklight;
     if (std::isnan(brightness)) return failed;
     const auto value = brightnessFromLevel(*backlight, brightness);
-    if (!writer_.write(*backlight, value)) return failed;
+    const bool isWritten = writer_.write(*backlight, value);
+    access_.wrote(isWritten);
+    if (!isWritten) return failed;
     request_ = {backlight->name, value, std::clamp(brightness, 0.0F, 1.0F)};
     return success;
   }
 
   const BacklightDisplays& displays_;
-  BacklightWriter writer_;
+  BacklightWriter& writer_;
+  BacklightAccess& access_;
   Request request_;
 };
 
+std::optional<Backlight> builtInBacklight(const BacklightDisplays& displays) {
+  for (const auto display : displays.getActiveDisplayList().value_or(std::vector<DisplayID>()))
+    if (displays.isBuiltin(display))
+      if (const auto* const backlight = displays.backlight(display)) return *backlight;
+  return std::nullopt;
+}
+
 }  // namespace
+
+BacklightDisplayServices::BacklightDisplayServices(const BacklightDisplays& displays,
+                                                   const std::filesystem::path& root)
+    : displays_(displays),
+      writer_(root),
+      access_(writer_, [&displays] { return builtInBacklight(displays); }) {}
 
 std::unique_ptr<platform::DisplayServicesLibrary> BacklightDisplayServices::open() {
   if (!displays_.hasBacklightClass()) return nullptr;
-  return std::make_unique<Library>(displays_, root_);
+  return std::make_unique<Library>(displays_, writer_, access_);
 }
 
 }  // namespace valdrix::desktop

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <filesystem>
-#include <utility>
 
+#include "desktop/display/BacklightAccess.h"
 #include "desktop/display/BacklightDisplays.h"
+#include "desktop/display/BacklightWriter.h"
 #include "platform/DisplayServices.h"
 
 namespace valdrix::desktop {
@@ -16,17 +17,20 @@ namespace valdrix::desktop {
 /// it another program's or the driver's own idea, is reported as it is.
 class BacklightDisplayServices final : public platform::DisplayServices {
  public:
-  /// `displays` must outlive what is opened. `root` is where `run/systemd` is found.
+  /// This and `displays` must outlive what is opened. `root` is where `run/systemd` is found.
   explicit BacklightDisplayServices(const BacklightDisplays& displays,
-                                    std::filesystem::path root = "/")
-      : displays_(displays), root_(std::move(root)) {}
+                                    const std::filesystem::path& root = "/");
 
   /// Null on a system without a backlight class.
   [[nodiscard]] std::unique_ptr<platform::DisplayServicesLibrary> open() override;
 
+  /// Whether what is set reaches the built-in display's backlight.
+  [[nodiscard]] BacklightAccess& access() { return access_; }
+
  private:
   const BacklightDisplays& displays_;
-  std::filesystem::path root_;
+  BacklightWriter writer_;
+  BacklightAccess access_;
 };
 
 }  // namespace valdrix::desktop

@@ -38,4 +38,12 @@ bool BacklightWriter::write(const Backlight& backlight, std::uint64_t brightness
                                 static_cast<std::uint32_t>(brightness));
 }
 
+void BacklightWriter::tryWrite(const Backlight& backlight, std::uint64_t brightness,
+                               QObject& context, std::function<void(bool)> done) {
+  if (writeNumber(backlight.folder / "brightness", brightness)) return done(true);
+  if (brightness > std::numeric_limits<std::uint32_t>::max()) return done(false);
+  session_.trySetBrightness(QStringLiteral("backlight"), QString::fromStdString(backlight.name),
+                            static_cast<std::uint32_t>(brightness), context, std::move(done));
+}
+
 }  // namespace valdrix::desktop

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <utility>
 
 #include "desktop/display/BacklightTree.h"
@@ -21,6 +22,9 @@ class BacklightWriter {
   [[nodiscard]] bool canWrite(const Backlight& backlight);
   /// Whether the backlight has the value now.
   [[nodiscard]] bool write(const Backlight& backlight, std::uint64_t brightness);
+  /// The same without waiting; `done` is called while `context` lives.
+  void tryWrite(const Backlight& backlight, std::uint64_t brightness, QObject& context,
+                std::function<void(bool isWritten)> done);
 
  private:
   std::filesystem::path root_;

@@ -1,8 +1,10 @@
 #include "desktop/display/Login1Session.h"
 
 #include <chrono>
+#include <utility>
 
 #include <QDBusError>
+#include <QDBusPendingCallWatcher>
 #include <QStringList>
 
 namespace valdrix::desktop {
@@ -18,6 +20,15 @@ QDBusMessage busCall(const char* method) {
   const auto bus = QStringLiteral("org.freedesktop.DBus");
   return QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus,
                                         QString::fromLatin1(method));
+}
+
+QDBusMessage setBrightnessCall(const QString& subsystem, const QString& name,
+                               std::uint32_t brightness) {
+  auto message = QDBusMessage::createMethodCall(
+      login1, QStringLiteral("/org/freedesktop/login1/session/auto"),
+      QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("SetBrightness"));
+  message << subsystem << name << brightness;
+  return message;
 }
 
 }  // namespace
@@ -71,11 +82,21 @@ bool Login1Session::isReachable() {
 
 bool Login1Session::setBrightness(const QString& subsystem, const QString& name,
                                   std::uint32_t brightness) {
-  auto message = QDBusMessage::createMethodCall(
-      login1, QStringLiteral("/org/freedesktop/login1/session/auto"),
-      QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("SetBrightness"));
-  message << subsystem << name << brightness;
-  return call(message).has_value();
+  return call(setBrightnessCall(subsystem, name, brightness)).has_value();
+}
+
+void Login1Session::trySetBrightness(const QString& subsystem, const QString& name,
+                                     std::uint32_t brightness, QObject& context,
+                                     std::function<void(bool)> done) {
+  if (!connect()) return done(false);
+  auto* const watcher = new QDBusPendingCallWatcher(
+      bus_->asyncCall(setBrightnessCall(subsystem, name, brightness), callTimeoutMilliseconds),
+      &context);
+  QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+                   [watcher, done = std::move(done)] {
+                     watcher->deleteLater();
+                     done(!watcher->isError());
+                   });
 }
 
 }  // namespace valdrix::desktop

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDeadlineTimer>
+#include <QObject>
 #include <QString>
 
 namespace valdrix::desktop {
@@ -29,6 +31,9 @@ class Login1Session {
   /// session is not in the foreground.
   [[nodiscard]] bool setBrightness(const QString& subsystem, const QString& name,
                                    std::uint32_t brightness);
+  /// The same without waiting; `done` is called while `context` lives.
+  void trySetBrightness(const QString& subsystem, const QString& name, std::uint32_t brightness,
+                        QObject& context, std::function<void(bool isSet)> done);
 
  private:
   /// The answer, or nothing: no bus, an error, too late.

@@ -94,7 +94,8 @@ bool MediaKeyTaps::isProcessTrustedWithOptions(bool prompt) {
 std::set<MediaKey> MediaKeyTaps::wantedKeys() const {
   std::set<MediaKey> wanted;
   for (const auto& [key, word] : platform::mediaKeys)
-    if (std::ranges::any_of(taps_, [key = key](const Tap* tap) { return tap->wants(key); }))
+    if (!(isFutile_ && isFutile_(key)) &&
+        std::ranges::any_of(taps_, [key = key](const Tap* tap) { return tap->wants(key); }))
       wanted.insert(key);
   return wanted;
 }

@@ -43,6 +43,10 @@ class MediaKeyTaps final : public platform::EventTaps, public platform::Accessib
   [[nodiscard]] Token observeAccount(std::function<void()> block) {
     return observers_.add(std::move(block));
   }
+  /// Keys for which `isFutile` says so are not wanted: what they would do cannot be done.
+  void setFutility(std::function<bool(platform::MediaKey)> isFutile) {
+    isFutile_ = std::move(isFutile);
+  }
   /// Calls `block` when the user is to be told how keys that are missing can be had.
   void setOnPrompt(std::function<void()> block) { onPrompt_ = std::move(block); }
 
@@ -62,6 +66,7 @@ class MediaKeyTaps final : public platform::EventTaps, public platform::Accessib
   bool isTelling_ = false;
   Listeners<> observers_;
   std::function<void()> onPrompt_;
+  std::function<bool(platform::MediaKey)> isFutile_;
   Lifetime lifetime_;
 };
 
