@@ -7,7 +7,8 @@ class Accessibility {
  public:
   virtual ~Accessibility() = default;
 
-  /// Whether a tap can be installed now. Never prompts and never waits.
+  /// Whether the keys that an installed tap would swallow all reach it and, where that is a
+  /// permission, whether a tap can be installed at all. Never prompts and never waits.
   [[nodiscard]] virtual bool isProcessTrusted() = 0;
   /// The same, and when it cannot be and `prompt` is set, the user is told once how to change that.
   virtual bool isProcessTrustedWithOptions(bool prompt) = 0;

@@ -42,7 +42,8 @@ enum class TapResult { pass, swallow };
 /// What a tap asks its owner. Both run on the main thread and must return quickly; a tap that waits
 /// too long may be switched off, which it announces by an event of its own.
 struct TapCallbacks {
-  /// Decides one event. `event` is null when the event cannot be read as an input event.
+  /// Decides one event. A tap may leave out the releases of keys. `event` is null when the event
+  /// cannot be read as an input event.
   std::function<TapResult(std::uint32_t type, const InputEvent* event)> handleEvent;
   /// Whether an unmodified press of the key with this code would be swallowed if it came now. Does
   /// nothing else. An adapter that has to reserve keys beforehand releases those that would be
