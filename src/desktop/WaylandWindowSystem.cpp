@@ -26,8 +26,9 @@ WaylandWindowSystem::WaylandWindowSystem(platform::RunLoop&, const QtTextMetrics
 QJsonObject WaylandWindowSystem::backends() const {
   const auto& connection = desktop_.connection;
   const bool isFractional = connection.viewporter() && connection.fractionalScaleManager();
+  const QString panel = connection.needsPlasmaShell() ? "plasma-shell" : "layer-shell";
   return {{"screens", "wayland"},
-          {"panelWindows", isFractional ? "layer-shell-fractional" : "layer-shell"},
+          {"panelWindows", isFractional ? panel + "-fractional" : panel},
           {"pointer", "wayland"},
           {"cursor", "wayland"}};
 }

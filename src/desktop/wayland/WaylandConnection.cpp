@@ -13,6 +13,7 @@ namespace {
 // The versions whose requests and events are used.
 constexpr std::uint32_t compositorVersion = 4;
 constexpr std::uint32_t layerShellVersion = 4;
+constexpr std::uint32_t plasmaShellVersion = 2;
 constexpr std::uint32_t outputManagerVersion = 3;
 
 // A rule of an interface was broken, or one of the display's own.
@@ -47,6 +48,7 @@ WaylandConnection::WaylandConnection() : display_(wl_display_connect(nullptr)) {
   wl_registry_add_listener(registry_.get(), &listener, this);
   roundTrip();
   if (!isUsable()) return;
+  answerPings();
 
   const int socket = wl_display_get_fd(display_.get());
   readable_ = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
@@ -69,6 +71,8 @@ void WaylandConnection::add(const WaylandGlobal& global) {
   take(compositor_, wl_compositor_interface, compositorVersion);
   take(shm_, wl_shm_interface);
   take(layerShell_, zwlr_layer_shell_v1_interface, layerShellVersion);
+  take(windowShell_, xdg_wm_base_interface);
+  take(plasmaShell_, org_kde_plasma_shell_interface, plasmaShellVersion);
   take(outputManager_, zxdg_output_manager_v1_interface, outputManagerVersion);
   take(viewporter_, wp_viewporter_interface);
   take(fractionalScaleManager_, wp_fractional_scale_manager_v1_interface);
@@ -77,6 +81,20 @@ void WaylandConnection::add(const WaylandGlobal& global) {
 
 void WaylandConnection::remove(std::uint32_t name) {
   if (globals_.erase(name) > 0) removed_.notify(name);
+}
+
+// A compositor takes a program with windows for hung that does not answer.
+void WaylandConnection::answerPings() {
+  static constexpr xdg_wm_base_listener listener{
+      .ping = [](void*, xdg_wm_base* shell, std::uint32_t serial) {
+        xdg_wm_base_pong(shell, serial);
+      }};
+  if (windowShell_) xdg_wm_base_add_listener(windowShell_.get(), &listener, nullptr);
+}
+
+bool WaylandConnection::needsPlasmaShell() const {
+  return windowShell_ && plasmaShell_ &&
+         zwlr_layer_shell_v1_get_version(layerShell()) < layerShellVersion;
 }
 
 Token WaylandConnection::observeGlobals(std::function<void(const WaylandGlobal&)> added,

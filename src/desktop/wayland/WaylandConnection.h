@@ -62,7 +62,13 @@ class WaylandConnection {
   [[nodiscard]] wl_compositor* compositor() const { return compositor_.get(); }
   [[nodiscard]] wl_shm* shm() const { return shm_.get(); }
   [[nodiscard]] zwlr_layer_shell_v1* layerShell() const { return layerShell_.get(); }
+  /// Whether the compositor gives layer surfaces the keyboard at a click, whatever they ask for,
+  /// and has a Plasma shell, whose surfaces never get it. That is KWin while its layer shell is
+  /// older than version 4; in Plasma 5.27 it is of version 3.
+  [[nodiscard]] bool needsPlasmaShell() const;
   /// The following may be missing.
+  [[nodiscard]] xdg_wm_base* windowShell() const { return windowShell_.get(); }
+  [[nodiscard]] org_kde_plasma_shell* plasmaShell() const { return plasmaShell_.get(); }
   [[nodiscard]] zxdg_output_manager_v1* outputManager() const { return outputManager_.get(); }
   [[nodiscard]] wp_viewporter* viewporter() const { return viewporter_.get(); }
   [[nodiscard]] wp_fractional_scale_manager_v1* fractionalScaleManager() const {
@@ -74,6 +80,7 @@ class WaylandConnection {
 
   void add(const WaylandGlobal& global);
   void remove(std::uint32_t name);
+  void answerPings();
   void sync(std::unique_ptr<Barrier> barrier);
   void finish(Barrier& barrier);
   void read();
@@ -84,6 +91,8 @@ class WaylandConnection {
   WaylandOwned<wl_compositor> compositor_;
   WaylandOwned<wl_shm> shm_;
   WaylandOwned<zwlr_layer_shell_v1> layerShell_;
+  WaylandOwned<xdg_wm_base> windowShell_;
+  WaylandOwned<org_kde_plasma_shell> plasmaShell_;
   WaylandOwned<zxdg_output_manager_v1> outputManager_;
   WaylandOwned<wp_viewporter> viewporter_;
   WaylandOwned<wp_fractional_scale_manager_v1> fractionalScaleManager_;

@@ -39,6 +39,11 @@ struct EndWayland {
       wl_proxy_destroy(reinterpret_cast<wl_proxy*>(o));
   }
   void operator()(zwlr_layer_surface_v1* o) const { zwlr_layer_surface_v1_destroy(o); }
+  void operator()(xdg_wm_base* o) const { xdg_wm_base_destroy(o); }
+  void operator()(xdg_surface* o) const { xdg_surface_destroy(o); }
+  void operator()(xdg_toplevel* o) const { xdg_toplevel_destroy(o); }
+  void operator()(org_kde_plasma_shell* o) const { org_kde_plasma_shell_destroy(o); }
+  void operator()(org_kde_plasma_surface* o) const { org_kde_plasma_surface_destroy(o); }
   void operator()(wp_viewporter* o) const { wp_viewporter_destroy(o); }
   void operator()(wp_viewport* o) const { wp_viewport_destroy(o); }
   void operator()(wp_fractional_scale_manager_v1* o) const {

@@ -84,9 +84,9 @@ void WaylandPanelWindow::place() {
 
 void WaylandPanelWindow::makeSurface() {
   if (!services_.connection.isUsable() || !place_ || frame_.isEmpty()) return;
-  surface_ = std::make_unique<WaylandLayerSurface>(
+  surface_ = std::make_unique<WaylandPanelSurface>(
       services_.connection, *place_, frame_, takesKeyboard_,
-      WaylandLayerSurface::Handlers{.configured = [this] { configured(); },
+      WaylandPanelSurface::Handlers{.configured = [this] { configured(); },
                                     .frameShown = [this] { frameShown(); },
                                     .scaleChanged = [this] { rescale(); },
                                     .closed = [this] { endSurface(); }});

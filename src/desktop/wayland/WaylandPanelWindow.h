@@ -8,7 +8,7 @@
 #include "desktop/ui/PanelPainter.h"
 #include "desktop/wayland/WaylandBuffers.h"
 #include "desktop/wayland/WaylandInputRegion.h"
-#include "desktop/wayland/WaylandLayerSurface.h"
+#include "desktop/wayland/WaylandPanelSurface.h"
 #include "desktop/wayland/WaylandScreens.h"
 #include "desktop/wayland/WaylandSeats.h"
 #include "platform/PanelWindow.h"
@@ -94,7 +94,7 @@ class WaylandPanelWindow final : public platform::PanelWindow {
   PanelPainter painter_;
   WaylandInputRegion inputRegion_;
   WaylandBuffers buffers_;
-  std::unique_ptr<WaylandLayerSurface> surface_;
+  std::unique_ptr<WaylandPanelSurface> surface_;
   Token seatsTarget_;
   Token screensObserver_;
   QObject context_;

@@ -1,18 +1,20 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include <QRect>
 
 #include "desktop/wayland/WaylandBuffers.h"
 #include "desktop/wayland/WaylandConnection.h"
 #include "desktop/wayland/WaylandScreens.h"
+#include "desktop/wayland/WaylandSurfaceRole.h"
 
 namespace valdrix::desktop {
 
 /// A surface in front of everything on one output, at a place of its own. It can be drawn on from
 /// when it is configured.
-class WaylandLayerSurface {
+class WaylandPanelSurface {
  public:
   struct Handlers {
     /// It can be drawn on, or wants to be told anew what it shows.
@@ -27,10 +29,10 @@ class WaylandLayerSurface {
 
   /// `frame` is in logical pixels from the output's top left, and may reach beyond the output.
   /// `connection` must outlive it.
-  WaylandLayerSurface(WaylandConnection& connection, const WaylandScreens::Place& place,
+  WaylandPanelSurface(WaylandConnection& connection, const WaylandScreens::Place& place,
                       const QRect& frame, bool takesKeyboard, Handlers handlers);
-  WaylandLayerSurface(const WaylandLayerSurface&) = delete;
-  WaylandLayerSurface& operator=(const WaylandLayerSurface&) = delete;
+  WaylandPanelSurface(const WaylandPanelSurface&) = delete;
+  WaylandPanelSurface& operator=(const WaylandPanelSurface&) = delete;
 
   [[nodiscard]] wl_surface* get() const { return surface_.get(); }
   [[nodiscard]] bool isConfigured() const { return isConfigured_; }
@@ -49,11 +51,11 @@ class WaylandLayerSurface {
   void commit();
 
  private:
-  static const zwlr_layer_surface_v1_listener layerListener;
-
+  [[nodiscard]] std::unique_ptr<WaylandSurfaceRole> makeRole(const WaylandScreens::Place& place,
+                                                             const QRect& frame,
+                                                             bool takesKeyboard);
   void followFractionalScale();
   void setPreferredScale(double scale);
-  void configure(std::uint32_t serial);
   void frameDone();
 
   WaylandConnection& connection_;
@@ -62,7 +64,7 @@ class WaylandLayerSurface {
   double scale_;
   bool isConfigured_ = false;
   WaylandOwned<wl_surface> surface_;
-  WaylandOwned<zwlr_layer_surface_v1> layerSurface_;
+  std::unique_ptr<WaylandSurfaceRole> role_;
   WaylandOwned<wp_viewport> viewport_;
   WaylandOwned<wp_fractional_scale_v1> fractionalScale_;
   WaylandOwned<wl_callback> frameCallback_;
