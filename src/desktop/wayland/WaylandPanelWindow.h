@@ -31,9 +31,9 @@ struct WaylandPanelServices {
   const std::function<void(QPoint)>& onMenuRequested;
 };
 
-/// A panel under a Wayland compositor: a surface in the layer above everything, which the
-/// compositor neither focuses nor moves. The compositor says when the next frame may be drawn, and
-/// says nothing while the panel cannot be seen.
+/// A panel under a Wayland compositor: a surface in front of everything, which the compositor
+/// neither focuses nor moves. The compositor says when the next frame may be drawn, and says
+/// nothing while the panel cannot be seen.
 class WaylandPanelWindow final : public platform::PanelWindow {
  public:
   WaylandPanelWindow(const WaylandPanelServices& services, const view::Rect& contentRectangle,
