@@ -41,13 +41,13 @@ TEST_F(X11PanelWindowTest, LiesExactlyWhereItWasPutAndReachesBeyondTheScreen) {
   start(Company::windowManager);
   auto* connection = display().connection();
   const auto geometry = desktop::xcbOwned(
-      xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window().window()), nullptr));
+      xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window().surface().window()), nullptr));
   const auto screen = desktop::ScreenLayout::current().entries.front();
   const QRect expected((screen.device.width() - qRound(600 * screen.scale)) / 2, 0,
                        qRound(600 * screen.scale), qRound(1000 * screen.scale));
   EXPECT_EQ(QRect(geometry->x, geometry->y, geometry->width, geometry->height), expected);
   EXPECT_GT(expected.height(), screen.device.height());
-  EXPECT_EQ(window().deviceFrame(), expected);
+  EXPECT_EQ(window().surface().frame(), expected);
 }
 
 TEST_F(X11PanelWindowTest, StaysAboveAFullscreenWindowAndDoesNotTakeItsFocus) {
@@ -101,7 +101,7 @@ TEST_F(X11PanelWindowTest, FollowsACompositorThatStartsAndEnds) {
     // Nothing is cut out now, so that edges are blended.
     auto* connection = display().connection();
     const auto extents = desktop::xcbOwned(xcb_shape_query_extents_reply(
-        connection, xcb_shape_query_extents(connection, window().window()), nullptr));
+        connection, xcb_shape_query_extents(connection, window().surface().window()), nullptr));
     EXPECT_FALSE(extents->bounding_shaped);
     panel->height = 64.0 + round;
     EXPECT_TRUE(shows(0, 48, panels));

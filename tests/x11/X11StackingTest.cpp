@@ -27,7 +27,7 @@ class X11Stacking : public testing::TestWithParam<Company> {
     return std::ranges::find(windows, panelWindow()) > std::ranges::find(windows, other.window());
   }
   xcb_window_t panelWindow() {
-    return dynamic_cast<desktop::X11PanelWindow&>(*panel.window).window();
+    return dynamic_cast<desktop::X11PanelWindow&>(*panel.window).surface().window();
   }
   std::unique_ptr<ForeignWindow> open(const QRect& frame, const char* type) {
     return std::make_unique<ForeignWindow>(

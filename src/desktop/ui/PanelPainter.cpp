@@ -45,6 +45,17 @@ QRegion PanelPainter::prepareFrame(double lookAhead) {
   return area;
 }
 
+QRect PanelPainter::painted() const {
+  QRect all;
+  if (!content_) return all;
+  for (const auto& item : content_->displayList()) {
+    QRect part = pixels(item.bounds);
+    for (const auto& clip : item.clips) part &= pixels(clip->bounds());
+    all |= part;
+  }
+  return all & QRect(QPoint(), size_);
+}
+
 void PanelPainter::paint(QImage& picture, const QRegion& area) const {
   QPainter painter(&picture);
   for (const QRect& part : area) paintPart(painter, part);

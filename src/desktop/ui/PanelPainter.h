@@ -37,6 +37,8 @@ class PanelPainter {
 
   /// A rectangle around all that has looked different from a transparent picture so far.
   [[nodiscard]] const QRect& inked() const { return inked_; }
+  /// A rectangle around what the latest frame shows.
+  [[nodiscard]] QRect painted() const;
 
  private:
   void paintPart(QPainter& painter, const QRect& part) const;

@@ -11,28 +11,36 @@ namespace valdrix::desktop {
 
 namespace {
 
-xcb_rectangle_t asX(const QRect& rectangle, QPoint origin) {
-  return {static_cast<std::int16_t>(rectangle.x() - origin.x()),
-          static_cast<std::int16_t>(rectangle.y() - origin.y()),
-          static_cast<std::uint16_t>(rectangle.width()),
-          static_cast<std::uint16_t>(rectangle.height())};
+// `parts` are of the root, and so is `origin`, where the window is.
+void setShape(X11Connection& connection, xcb_window_t window, xcb_shape_sk_t kind,
+              const QList<QRect>& parts, QPoint origin) {
+  std::vector<xcb_rectangle_t> shape;
+  for (const QRect& part : parts)
+    shape.push_back({static_cast<std::int16_t>(part.x() - origin.x()),
+                     static_cast<std::int16_t>(part.y() - origin.y()),
+                     static_cast<std::uint16_t>(part.width()),
+                     static_cast<std::uint16_t>(part.height())});
+  xcb_shape_rectangles(connection.get(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window,
+                       0, 0, static_cast<std::uint32_t>(shape.size()), shape.data());
 }
 
 }  // namespace
 
-X11InputRegion::X11InputRegion(X11Connection& connection, X11Pointer& pointer, Handlers handlers)
-    : connection_(connection), pointer_(pointer), handlers_(std::move(handlers)) {
+X11InputRegion::X11InputRegion(X11Connection& connection, X11Pointer& pointer,
+                               const X11PanelSurface& surface, Handlers handlers)
+    : connection_(connection),
+      pointer_(pointer),
+      surface_(surface),
+      handlers_(std::move(handlers)) {
   if (!connection_.isUsable()) return;
   window_ = xcb_generate_id(connection_.get());
-  const std::uint32_t values[] = {
-      1, XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION |
-             XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE};
+  const std::uint32_t values[] = {1, X11PanelSurface::pointerEvents};
   xcb_create_window(connection_.get(), 0, window_, connection_.root(), 0, 0, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
                     XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
   eventHandler_ =
       connection_.addEventHandler([this](const xcb_generic_event_t& event) { handle(event); });
-  batchHandler_ = connection_.addBatchHandler([this] { hasRestructured_ = false; });
+  batchHandler_ = connection_.addBatchHandler([this] { settleAfterEntering(); });
   motionListener_ =
       pointer_.addMotionListener([this](const X11Pointer::Place& place) { movedElsewhere(place); });
 }
@@ -43,6 +51,7 @@ X11InputRegion::~X11InputRegion() {
 
 void X11InputRegion::setFrame(const QRect& frame) {
   frame_ = frame;
+  appliedParts_.reset();
   const std::uint32_t values[] = {
       static_cast<std::uint32_t>(frame.x()), static_cast<std::uint32_t>(frame.y()),
       static_cast<std::uint32_t>(frame.width()), static_cast<std::uint32_t>(frame.height())};
@@ -97,7 +106,14 @@ void X11InputRegion::show() {
       ignoresMouseEvents_ && place && rectangle_.contains(place->position))
     exception_ = place->position;
   apply();
-  xcb_map_window(connection_.get(), window_);
+  updateWindows();
+}
+
+void X11InputRegion::updateWindows() {
+  if (isShown_ && surface_.isCutOut())
+    xcb_map_window(connection_.get(), window_);
+  else
+    xcb_unmap_window(connection_.get(), window_);
   connection_.flush();
 }
 
@@ -111,13 +127,13 @@ void X11InputRegion::hide() {
   hasPointer_ = false;
   exception_.reset();
   lostPointerWatch_.reset();
-  xcb_unmap_window(connection_.get(), window_);
-  connection_.flush();
+  updateWindows();
 }
 
 void X11InputRegion::setCursor(xcb_cursor_t cursor) {
   if (std::exchange(cursor_, cursor) == cursor) return;
-  xcb_change_window_attributes(connection_.get(), window_, XCB_CW_CURSOR, &cursor);
+  for (const auto window : {window_, surface_.window()})
+    xcb_change_window_attributes(connection_.get(), window, XCB_CW_CURSOR, &cursor);
   connection_.flush();
 }
 
@@ -129,48 +145,47 @@ void X11InputRegion::handle(const xcb_generic_event_t& event) {
       return left(eventAs<xcb_leave_notify_event_t>(event));
     case XCB_MOTION_NOTIFY: {
       const auto& motion = eventAs<xcb_motion_notify_event_t>(event);
-      if (motion.event == window_) movedTo({motion.root_x, motion.root_y}, motion.state);
+      if (isOurs(motion.event)) movedTo({motion.root_x, motion.root_y}, motion.state);
       return;
     }
     case XCB_BUTTON_PRESS:
       return button(eventAs<xcb_button_press_event_t>(event), true);
     case XCB_BUTTON_RELEASE:
       return button(eventAs<xcb_button_release_event_t>(event), false);
-    case XCB_UNMAP_NOTIFY:
-    case XCB_DESTROY_NOTIFY:
-    case XCB_CONFIGURE_NOTIFY:
-      hasRestructured_ = true;
-      return;
     default:
       return;
   }
 }
 
 void X11InputRegion::entered(const xcb_enter_notify_event_t& event) {
-  if (event.event != window_) return;
+  if (!isOurs(event.event)) return;
   hasPointer_ = true;
-  const QPoint position(event.root_x, event.root_y);
-  // A window went from above us and the pointer rests where that was.
-  if (hasRestructured_) {
-    position_ = position;
-    settle();
-  } else {
-    movedTo(position, event.state);
-  }
+  hasEnteredUnmoved_ = true;
+  position_ = {event.root_x, event.root_y};
+}
+
+// No motion came with it: a window went from above us where the pointer rests.
+void X11InputRegion::settleAfterEntering() {
+  if (hasEnteredUnmoved_) settle();
 }
 
 // Nothing that happens in our rectangle goes by unseen, so a pointer that left without moving is
 // still where we saw it last: something else has covered us or taken the pointer.
 void X11InputRegion::left(const xcb_leave_notify_event_t& event) {
-  if (event.event != window_) return;
+  if (!isOurs(event.event)) return;
   hasPointer_ = false;
+  hasEnteredUnmoved_ = false;
+  const QPoint position(event.root_x, event.root_y);
   const auto isAlive = lifetime_.weak([] { return true; });
-  movedTo({event.root_x, event.root_y}, event.state);
+  if (takes(position) && pointer_.hasLeftServer(position))
+    report({X11Pointer::nowhere, event.state}, X11Pointer::Destination::elsewhere);
+  else
+    movedTo(position, event.state);
   if (isAlive()) watchWhileLost();
 }
 
 void X11InputRegion::button(const xcb_button_press_event_t& event, bool isPressed) {
-  if (event.event != window_) return;
+  if (!isOurs(event.event)) return;
   const QPoint position(event.root_x, event.root_y);
   const auto isAlive = lifetime_.weak([] { return true; });
   movedTo(position, event.state);
@@ -194,7 +209,7 @@ void X11InputRegion::movedTo(QPoint position, std::uint16_t state) {
 }
 
 void X11InputRegion::report(const X11Pointer::Place& place, X11Pointer::Destination destination) {
-  if (place.position == position_) return;
+  if (!std::exchange(hasEnteredUnmoved_, false) && place.position == position_) return;
   position_ = place.position;
   exception_.reset();
   // Those who are told may replace the window.
@@ -229,12 +244,13 @@ void X11InputRegion::watchWhileLost() {
 }
 
 void X11InputRegion::apply() {
-  std::vector<xcb_rectangle_t> shape;
-  for (const QRect& part : inputParts(rectangle_, exception_))
-    shape.push_back(asX(part, frame_.topLeft()));
-  xcb_shape_rectangles(connection_.get(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
-                       XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0,
-                       static_cast<std::uint32_t>(shape.size()), shape.data());
+  const QList<QRect> parts = inputParts(rectangle_, exception_);
+  const QPoint origin = surface_.place().topLeft();
+  if (parts == appliedParts_ && origin == appliedOrigin_) return;
+  appliedParts_ = parts;
+  appliedOrigin_ = origin;
+  setShape(connection_, window_, XCB_SHAPE_SK_BOUNDING, parts, frame_.topLeft());
+  setShape(connection_, surface_.window(), XCB_SHAPE_SK_INPUT, parts, origin);
   connection_.flush();
 }
 

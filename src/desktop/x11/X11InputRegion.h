@@ -3,24 +3,28 @@
 #include <functional>
 #include <optional>
 
+#include <QList>
 #include <QObject>
 #include <QPoint>
 #include <QRect>
 
 #include "desktop/x11/X11Connection.h"
+#include "desktop/x11/X11PanelSurface.h"
 #include "desktop/x11/X11Pointer.h"
 #include "observation/Lifetime.h"
 
 namespace valdrix::desktop {
 
-/// The part of a panel that the X server hit-tests for us: an invisible input-only window in front
-/// of the panel, shaped to the rectangle that matters. Motion elsewhere costs nothing, and what the
-/// panel's own window looks like (its shape without a compositing manager) does not matter here.
+/// The part of a panel that the X server hit-tests for us: the rectangle that matters, as the input
+/// shape of the panel's window. Motion elsewhere costs nothing. A window that is cut out takes the
+/// pointer only where it shows something; an invisible input-only window in front of it takes the
+/// whole rectangle then. It is not there otherwise, because a Wayland compositor knows only windows
+/// that show something, and would not let the pointer leave another one.
 ///
 /// A shape that changes under a resting pointer makes the server send Enter and Leave although
 /// nothing moved. So the pixel under the pointer keeps belonging to where it belonged before, until
 /// the pointer moves: a hole of one pixel in a rectangle that grew, one pixel more beside a
-/// rectangle that shrank.
+/// rectangle that shrank. An Enter alone is therefore no motion; the server tells of motion itself.
 class X11InputRegion {
  public:
   struct Handlers {
@@ -32,8 +36,9 @@ class X11InputRegion {
     std::function<void(QPoint position)> menuRequested;
   };
 
-  /// `connection` and `pointer` must outlive it.
-  X11InputRegion(X11Connection& connection, X11Pointer& pointer, Handlers handlers);
+  /// For the panel that `surface` shows. All but the handlers must outlive it.
+  X11InputRegion(X11Connection& connection, X11Pointer& pointer, const X11PanelSurface& surface,
+                 Handlers handlers);
   ~X11InputRegion();
   X11InputRegion(const X11InputRegion&) = delete;
   X11InputRegion& operator=(const X11InputRegion&) = delete;
@@ -49,11 +54,19 @@ class X11InputRegion {
   void hide();
   /// Puts it in front of everything.
   void raise();
+  /// The panel's own window has become another size.
+  void apply();
+  /// It is cut out now, or is no longer.
+  void updateWindows();
   void setCursor(xcb_cursor_t cursor);
+  /// The window in front of the panel's own one, mapped or not.
   [[nodiscard]] xcb_window_t window() const { return window_; }
 
  private:
   [[nodiscard]] bool takes(QPoint position) const;
+  [[nodiscard]] bool isOurs(xcb_window_t window) const {
+    return window == window_ || window == surface_.window();
+  }
   void handle(const xcb_generic_event_t& event);
   void entered(const xcb_enter_notify_event_t& event);
   void left(const xcb_leave_notify_event_t& event);
@@ -63,12 +76,13 @@ class X11InputRegion {
   void report(const X11Pointer::Place& place, X11Pointer::Destination destination);
   void movedElsewhere(const X11Pointer::Place& place);
   void reportIfLeftUnseen(const X11Pointer::Place& place);
+  void settleAfterEntering();
   void settle();
   void watchWhileLost();
-  void apply();
 
   X11Connection& connection_;
   X11Pointer& pointer_;
+  const X11PanelSurface& surface_;
   Handlers handlers_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
   xcb_cursor_t cursor_ = XCB_CURSOR_NONE;  ///< the one shown
@@ -80,8 +94,11 @@ class X11InputRegion {
   std::optional<QPoint> exception_;
   QPoint position_;  ///< where the pointer was last known to be
   bool hasPointer_ = false;
-  /// Windows came or went in the batch of events being read.
-  bool hasRestructured_ = false;
+  /// The pointer has come in, and no motion has told of it yet.
+  bool hasEnteredUnmoved_ = false;
+  /// What the windows have as their shapes, and where the panel's own one was then.
+  std::optional<QList<QRect>> appliedParts_;
+  QPoint appliedOrigin_;
   Token lostPointerWatch_;
   Token eventHandler_;
   Token batchHandler_;

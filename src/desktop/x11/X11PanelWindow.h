@@ -3,15 +3,14 @@
 #include <cstdint>
 #include <functional>
 
-#include <QImage>
 #include <QRect>
-#include <QRegion>
+#include <QTimer>
 
 #include "desktop/ui/PanelPainter.h"
-#include "desktop/x11/AlphaShape.h"
 #include "desktop/x11/FramePacer.h"
 #include "desktop/x11/ScreenLayout.h"
 #include "desktop/x11/X11InputRegion.h"
+#include "desktop/x11/X11PanelSurface.h"
 #include "desktop/x11/X11StackingGuard.h"
 #include "platform/PanelWindow.h"
 
@@ -37,9 +36,9 @@ struct X11PanelServices {
   const std::function<void(QPoint)>& onMenuRequested;
 };
 
-/// A panel on an X server: an override-redirect window with an alpha channel, which no window
-/// manager moves, focuses or puts below a fullscreen window, and an input region in front of it. It
-/// keeps its picture and sends the server what changed.
+/// A panel on an X server: an override-redirect window, which no window manager moves, focuses or
+/// puts below a fullscreen window, and an input region in front of it. It keeps its picture and
+/// sends the server what changed.
 class X11PanelWindow final : public platform::PanelWindow {
  public:
   X11PanelWindow(const X11PanelServices& services, const view::Rect& contentRectangle,
@@ -55,20 +54,16 @@ class X11PanelWindow final : public platform::PanelWindow {
 
   /// How many frames have been painted so far.
   [[nodiscard]] std::uint64_t framesDrawn() const { return framesDrawn_; }
-  [[nodiscard]] xcb_window_t window() const { return window_; }
-  /// Where it lies, in device pixels of the root.
-  [[nodiscard]] const QRect& deviceFrame() const { return frame_; }
+  [[nodiscard]] const X11PanelSurface& surface() const { return surface_; }
 
  private:
-  void create(const platform::PanelConfiguration& configuration);
-  void setProperties(bool hasShadow);
   void place();
   void applyTrackedRectangle();
   void raise();
   void drawFrame();
-  void present(const QRegion& area);
-  void put(const QRect& area);
-  void applyShape();
+  [[nodiscard]] QRect target() const;
+  void makeRoom();
+  void giveRoomBack();
   void handle(const xcb_generic_event_t& event);
   void pointerMoved(QPoint position, bool isInside);
   void pointerPressed(QPoint position, bool isPressed);
@@ -82,19 +77,15 @@ class X11PanelWindow final : public platform::PanelWindow {
   view::HostingView* content_ = nullptr;
   ScreenLayout::Entry screen_;
   bool hasScreen_ = false;
-  xcb_window_t window_ = XCB_WINDOW_NONE;
-  xcb_colormap_t colormap_ = XCB_NONE;
-  xcb_gcontext_t graphics_ = XCB_NONE;
-  std::uint8_t depth_ = 0;
-  QRect frame_;
   view::Rect trackedRectangle_;
+  QRect trackedPixels_;  ///< of the root
   bool isShown_ = false;
   bool isPointerInContent_ = false;
-  QImage image_;
+  X11PanelSurface surface_;
   PanelPainter painter_;
-  AlphaShape shape_;
   std::uint64_t framesDrawn_ = 0;
   FramePacer pacer_;
+  QTimer restTimer_;
   X11InputRegion inputRegion_;
   X11StackingGuard stackingGuard_;
   Token eventHandler_;

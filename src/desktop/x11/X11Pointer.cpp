@@ -70,7 +70,15 @@ std::optional<X11Pointer::Place> X11Pointer::query() const {
   const auto answer = connection_.reply(xcb_query_pointer_reply,
                                         xcb_query_pointer(connection_.get(), connection_.root()));
   if (!answer || !answer->same_screen) return std::nullopt;
-  return Place{{answer->root_x, answer->root_y}, answer->mask};
+  const QPoint position(answer->root_x, answer->root_y);
+  if (exit_ != position || answer->child != XCB_WINDOW_NONE) exit_.reset();
+  return Place{exit_ ? nowhere : position, answer->mask};
+}
+
+bool X11Pointer::hasLeftServer(QPoint position) {
+  exit_ = position;
+  const auto place = query();
+  return place && place->position == nowhere;
 }
 
 void X11Pointer::report(Destination destination, std::uint16_t state) {

@@ -33,8 +33,15 @@ class X11Pointer final : public platform::Pointer {
                                                            std::function<void()> handler) override;
   [[nodiscard]] view::Point mouseLocation() const override;
 
+  /// Where the pointer is said to be while it is over no X window and the server has not been told
+  /// of its place: on a Wayland desktop, over a program of that kind.
+  static constexpr QPoint nowhere{-32768, -32768};
+
   /// Asks the server. None when the pointer is on another X screen.
   [[nodiscard]] std::optional<Place> query() const;
+  /// Whether the pointer, last seen over an X window at `position`, has left that for nowhere. A
+  /// server with a mouse of its own knows of another window, or of the pointer's way out.
+  bool hasLeftServer(QPoint position);
 
   enum class Destination { ourWindow, elsewhere };
   /// Motion with the buttons of `state` held has been delivered to `destination`.
@@ -54,6 +61,8 @@ class X11Pointer final : public platform::Pointer {
 
   X11Connection& connection_;
   mutable view::Point lastLocation_;
+  /// Where the pointer was when it went nowhere.
+  mutable std::optional<QPoint> exit_;
   Listeners<std::uint32_t> globalMonitors_;
   Listeners<std::uint32_t> localMonitors_;
   Listeners<const Place&> motionListeners_;
