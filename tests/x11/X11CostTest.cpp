@@ -30,5 +30,22 @@ TEST(X11Cost, NothingWakesUsWhileTheMouseIsElsewhereWithoutAButtonHeld) {
   display().release(4);
 }
 
+TEST(X11Cost, AWindowThatIsDraggedElsewhereIsNewsOnce) {
+  X11DeskWorld world;
+  TestPanel panel(world);
+  panel.show();
+  world.runUntilStill(*panel.content);
+  ForeignWindow window({10, 400, 200, 200});
+  world.settle();
+  int events = 0;
+  const auto token =
+      world.desktop().connection.addEventHandler([&](const xcb_generic_event_t&) { ++events; });
+  for (int i = 0; i < 100; ++i) {
+    window.moveTo({10 + i, 400});
+    world.settle();
+  }
+  EXPECT_LE(events, 3);
+}
+
 }  // namespace
 }  // namespace valdrix::tests

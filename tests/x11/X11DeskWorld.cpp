@@ -49,12 +49,28 @@ ForeignWindow::ForeignWindow(const QRect& frame, const Options& options)
   if (options.isFullscreen) setAtom("_NET_WM_STATE", "_NET_WM_STATE_FULLSCREEN");
   if (options.type)
     setAtom("_NET_WM_WINDOW_TYPE", std::string("_NET_WM_WINDOW_TYPE_") + options.type);
+  if (options.hasManagedChild) {
+    const auto child = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, child, window_, 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const std::uint32_t normal[] = {1, XCB_WINDOW_NONE};
+    const auto state = atom(connection, "WM_STATE");
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, child, state, state, 32, 2, normal);
+  }
   xcb_map_window(connection, window_);
   sync(connection);
 }
 
 ForeignWindow::~ForeignWindow() {
   xcb_destroy_window(connection_.get(), window_);
+  sync(connection_.get());
+}
+
+void ForeignWindow::moveTo(QPoint position) {
+  const std::uint32_t values[] = {static_cast<std::uint32_t>(position.x()),
+                                  static_cast<std::uint32_t>(position.y())};
+  xcb_configure_window(connection_.get(), window_, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                       values);
   sync(connection_.get());
 }
 

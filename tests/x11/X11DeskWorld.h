@@ -21,8 +21,9 @@ class ForeignWindow {
   struct Options {
     QColor color = Qt::blue;
     bool isManaged = false;
-    bool isFullscreen = false;   ///< asked of the window manager
-    const char* type = nullptr;  ///< the end of the name of its _NET_WM_WINDOW_TYPE
+    bool isFullscreen = false;     ///< asked of the window manager
+    const char* type = nullptr;    ///< the end of the name of its _NET_WM_WINDOW_TYPE
+    bool hasManagedChild = false;  ///< as the frames of window managers do
   };
   ForeignWindow(const QRect& frame, const Options& options);
   explicit ForeignWindow(const QRect& frame) : ForeignWindow(frame, Options{}) {}
@@ -32,6 +33,7 @@ class ForeignWindow {
 
   /// Presses of the main button that it got so far.
   [[nodiscard]] int presses();
+  void moveTo(QPoint position);
   [[nodiscard]] xcb_window_t window() const { return window_; }
 
  private:

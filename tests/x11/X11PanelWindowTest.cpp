@@ -40,8 +40,8 @@ class X11PanelWindowTest : public testing::Test {
 TEST_F(X11PanelWindowTest, LiesExactlyWhereItWasPutAndReachesBeyondTheScreen) {
   start(Company::windowManager);
   auto* connection = display().connection();
-  const auto geometry = desktop::xcbOwned(
-      xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window().surface().window()), nullptr));
+  const auto geometry = desktop::xcbOwned(xcb_get_geometry_reply(
+      connection, xcb_get_geometry(connection, window().surface().window()), nullptr));
   const auto screen = desktop::ScreenLayout::current().entries.front();
   const QRect expected((screen.device.width() - qRound(600 * screen.scale)) / 2, 0,
                        qRound(600 * screen.scale), qRound(1000 * screen.scale));

@@ -2,32 +2,39 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace valdrix::desktop {
 
 namespace {
 
-// The panel's springs go beyond their targets by 18 % of the way at the most. The pixels are for
-// what moves by very little.
-int overshoot(int from, int to) { return std::abs(to - from) / 5 + 2; }
+// The panel's springs go beyond their targets by 18 % of the way from rest, and further when they
+// turn round on their way; then a part of the size stands for the way.
+int overshoot(int from, int to, int size) {
+  return std::max(std::abs(to - from) / 5, size / 12) + 2;
+}
+
+QRect withOvershoot(const QRect& needed, const QRect& painted, const QRect& target) {
+  if (painted.isEmpty() || target.isEmpty()) return needed;
+  const auto across = [&](int from, int to) { return overshoot(from, to, needed.width()); };
+  const auto down = [&](int from, int to) { return overshoot(from, to, needed.height()); };
+  return needed.adjusted(-across(painted.left(), target.left()), -down(painted.top(), target.top()),
+                         across(painted.right(), target.right()),
+                         down(painted.bottom(), target.bottom()));
+}
 
 }  // namespace
 
-bool PanelExtent::grow(const QRect& painted, const QRect& target) {
+bool PanelExtent::follow(const QRect& painted, const QRect& target) {
   const QRect needed = painted | target;
-  if (rectangle_.contains(needed)) return false;
-  QRect grown = rectangle_ | needed;
-  if (!painted.isEmpty() && !target.isEmpty()) {
-    if (needed.left() < rectangle_.left())
-      grown.setLeft(needed.left() - overshoot(painted.left(), target.left()));
-    if (needed.right() > rectangle_.right())
-      grown.setRight(needed.right() + overshoot(painted.right(), target.right()));
-    if (needed.top() < rectangle_.top())
-      grown.setTop(needed.top() - overshoot(painted.top(), target.top()));
-    if (needed.bottom() > rectangle_.bottom())
-      grown.setBottom(needed.bottom() + overshoot(painted.bottom(), target.bottom()));
-  }
-  return change(grown);
+  const QRect roomy = withOvershoot(needed, painted, target);
+  QRect next = rectangle_;
+  if (needed.left() < next.left()) next.setLeft(roomy.left());
+  if (needed.top() < next.top()) next.setTop(roomy.top());
+  if (needed.right() > next.right()) next.setRight(roomy.right());
+  if (needed.bottom() > next.bottom() || next.height() > 2 * roomy.height())
+    next.setBottom(roomy.bottom());
+  return change(next);
 }
 
 bool PanelExtent::settle(const QRect& painted, const QRect& target) {

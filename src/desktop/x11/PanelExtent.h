@@ -6,13 +6,14 @@ namespace valdrix::desktop {
 
 /// How much of a panel's place its window covers, in pixels of the panel. Not every desktop heeds
 /// what a window leaves to those below it, so a window is no larger than what there is to see. A
-/// window that changes its size costs more than one that is painted on: it grows once for a whole
-/// animation, and shrinks when that is over.
+/// window that changes its size costs more than one that is painted on, and one whose top left
+/// moves may be shown at the new place with the old picture for a moment: it grows once for a whole
+/// animation, gives back its lower half early, and the rest when nothing moves any more.
 class PanelExtent {
  public:
-  /// Makes room for what is painted now and for the way to `target`, which a spring overshoots.
-  /// Whether that takes another rectangle.
-  bool grow(const QRect& painted, const QRect& target);
+  /// Makes room for what is painted now and for the way to `target`, which a spring overshoots, and
+  /// gives back what is much too high for that. Whether it takes another rectangle.
+  bool follow(const QRect& painted, const QRect& target);
   /// Leaves what nothing moves through any more. Whether that makes another rectangle.
   bool settle(const QRect& painted, const QRect& target);
 

@@ -23,10 +23,6 @@ bool isSameMotion(const X11Connection::Event& event, const X11Connection::Event&
 X11Connection::X11Connection() : connection_(xcb_connect(nullptr, &screenNumber_)) {
   if (!isUsable()) return;
   screen_ = screenOf(get(), screenNumber_);
-  // Windows that come, go and change places: they can cover a panel, or uncover it.
-  const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-  xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &mask);
-  flush();
   notifier_ =
       std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(get()), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, &context_, [this] {

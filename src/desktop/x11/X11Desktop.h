@@ -8,9 +8,11 @@
 #include "desktop/x11/X11Connection.h"
 #include "desktop/x11/X11Cursor.h"
 #include "desktop/x11/X11Manager.h"
+#include "desktop/x11/X11Overlay.h"
 #include "desktop/x11/X11PanelWindows.h"
 #include "desktop/x11/X11Pointer.h"
 #include "desktop/x11/X11Screens.h"
+#include "desktop/x11/X11WindowNews.h"
 
 namespace valdrix::desktop {
 
@@ -21,8 +23,8 @@ struct X11Desktop {
   /// `textMetrics` and `housings` must outlive it.
   X11Desktop(const QtTextMetrics& textMetrics, CameraHousings& housings)
       : screens(housings),
-        panelWindows({connection, pointer, cursor, screens, compositing, textMetrics, framesDrawn,
-                      onMenuRequested}) {}
+        panelWindows({connection, pointer, cursor, screens, compositing, windowNews, overlay,
+                      textMetrics, framesDrawn, onMenuRequested}) {}
 
   X11Connection connection;
   X11Screens screens;
@@ -30,6 +32,8 @@ struct X11Desktop {
   X11Cursor cursor{connection};
   X11Manager compositing{connection, X11Manager::compositing};
   X11Manager tray{connection, X11Manager::tray};
+  X11WindowNews windowNews{connection};
+  X11Overlay overlay{connection, pointer, compositing};
   /// Frames that all panels together have painted.
   std::uint64_t framesDrawn = 0;
   /// What a panel calls that is asked for the menu.

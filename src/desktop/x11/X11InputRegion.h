@@ -47,6 +47,10 @@ class X11InputRegion {
   void setFrame(const QRect& frame);
   /// The rectangle that counts, in device pixels of the root.
   void setRectangle(const QRect& rectangle);
+  /// A rectangle around all that takes the pointer, or would if that were not there already.
+  [[nodiscard]] QRect bounds() const {
+    return exception_ ? rectangle_ | QRect(*exception_, QSize(1, 1)) : rectangle_;
+  }
   [[nodiscard]] bool ignoresMouseEvents() const { return ignoresMouseEvents_; }
   void setIgnoresMouseEvents(bool ignores);
 

@@ -125,8 +125,8 @@ void X11PanelSurface::stackBehind(xcb_window_t sibling) {
                        XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values);
 }
 
-bool X11PanelSurface::grow(const QRect& painted, const QRect& target) {
-  return extent_.grow(painted, target) && configure();
+bool X11PanelSurface::follow(const QRect& painted, const QRect& target) {
+  return extent_.follow(painted, target) && configure();
 }
 
 bool X11PanelSurface::settle(const QRect& painted, const QRect& target) {

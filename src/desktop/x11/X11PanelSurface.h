@@ -40,9 +40,9 @@ class X11PanelSurface {
   void hide();
   /// Puts it directly behind `sibling`.
   void stackBehind(xcb_window_t sibling);
-  /// Makes room for an animation, or takes back what it left; see `PanelExtent`. Whether the window
-  /// has become another size.
-  bool grow(const QRect& painted, const QRect& target);
+  /// Covers an animation, or what rests; see `PanelExtent`. Whether the window has become another
+  /// size.
+  bool follow(const QRect& painted, const QRect& target);
   bool settle(const QRect& painted, const QRect& target);
   /// Whether there is no more room than that takes.
   [[nodiscard]] bool fits(const QRect& painted, const QRect& target) const {

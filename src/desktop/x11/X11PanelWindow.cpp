@@ -4,7 +4,9 @@
 
 #include "desktop/x11/X11Cursor.h"
 #include "desktop/x11/X11Manager.h"
+#include "desktop/x11/X11Overlay.h"
 #include "desktop/x11/X11Screens.h"
+#include "desktop/x11/X11WindowNews.h"
 #include "view/HostingView.h"
 
 namespace valdrix::desktop {
@@ -31,7 +33,7 @@ X11PanelWindow::X11PanelWindow(const X11PanelServices& services, const view::Rec
           {[this](QPoint position, bool isInside) { pointerMoved(position, isInside); },
            [this](QPoint position, bool isPressed) { pointerPressed(position, isPressed); },
            [this](QPoint position) { requestMenu(position); }}),
-      stackingGuard_(services.connection, [this] { raise(); }) {
+      stackingGuard_(services.connection, services.windowNews, [this] { raise(); }) {
   if (!services_.connection.isUsable()) return;
   restTimer_.setSingleShot(true);
   restTimer_.setInterval(millisecondsToRest);
@@ -40,11 +42,13 @@ X11PanelWindow::X11PanelWindow(const X11PanelServices& services, const view::Rec
   place();
   eventHandler_ = services_.connection.addEventHandler(
       [this](const xcb_generic_event_t& event) { handle(event); });
+  newsObserver_ = services_.windowNews.observe([this] { lookAtOverlay(); });
   screensObserver_ = services_.screens.observeChanges([this] { place(); });
   compositingObserver_ = services_.compositing.observeChanges([this] {
     surface_.updateOutline();
     inputRegion_.apply();
     inputRegion_.updateWindows();
+    lookAtOverlay();
   });
   cursorObserver_ = services_.cursor.observeChanges([this] { updateCursor(); });
 }
@@ -91,7 +95,13 @@ void X11PanelWindow::orderFrontRegardless() {
   inputRegion_.show();
   surface_.present(painter_.painted());
   applyTrackedRectangle();
+  lookAtOverlay();
   services_.connection.flush();
+}
+
+// A bar is at the screen's edge, as the panel is.
+void X11PanelWindow::lookAtOverlay() {
+  if (isShown_) services_.overlay.look({trackedPixels_.center().x(), trackedPixels_.top()});
 }
 
 void X11PanelWindow::raise() {
@@ -146,14 +156,14 @@ void X11PanelWindow::drawFrame() {
   surface_.present(area);
 }
 
-// Where the panel rests once nothing moves.
+// What the window must cover once nothing moves.
 QRect X11PanelWindow::target() const {
-  return trackedPixels_.translated(-surface_.frame().topLeft());
+  return inputRegion_.bounds().translated(-surface_.frame().topLeft());
 }
 
 void X11PanelWindow::makeRoom() {
   const QRect painted = painter_.painted();
-  if (surface_.grow(painted, target())) inputRegion_.apply();
+  if (surface_.follow(painted, target())) inputRegion_.apply();
   const bool isMoving = content_ && content_->needsFrame();
   if (isMoving || surface_.fits(painted, target()))
     restTimer_.stop();

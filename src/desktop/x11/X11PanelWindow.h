@@ -19,7 +19,9 @@ namespace valdrix::desktop {
 class QtTextMetrics;
 class X11Cursor;
 class X11Manager;
+class X11Overlay;
 class X11Screens;
+class X11WindowNews;
 
 /// What the panels of one X server share.
 struct X11PanelServices {
@@ -28,6 +30,8 @@ struct X11PanelServices {
   X11Cursor& cursor;
   X11Screens& screens;
   X11Manager& compositing;
+  X11WindowNews& windowNews;
+  X11Overlay& overlay;
   const QtTextMetrics& textMetrics;
   /// Frames that all panels together have painted.
   std::uint64_t& framesDrawn;
@@ -60,6 +64,7 @@ class X11PanelWindow final : public platform::PanelWindow {
   void place();
   void applyTrackedRectangle();
   void raise();
+  void lookAtOverlay();
   void drawFrame();
   [[nodiscard]] QRect target() const;
   void makeRoom();
@@ -89,6 +94,7 @@ class X11PanelWindow final : public platform::PanelWindow {
   X11InputRegion inputRegion_;
   X11StackingGuard stackingGuard_;
   Token eventHandler_;
+  Token newsObserver_;
   Token screensObserver_;
   Token compositingObserver_;
   Token cursorObserver_;

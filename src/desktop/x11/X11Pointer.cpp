@@ -39,10 +39,10 @@ bool isDragButton(std::uint32_t button) { return button >= 1 && button <= 3; }
 
 X11Pointer::X11Pointer(X11Connection& connection)
     : connection_(connection), xinputOpcode_(findXInput(connection)) {
+  batchHandler_ = connection_.addBatchHandler([this] { handleBatch(); });
   if (!xinputOpcode_) return;
   eventHandler_ =
       connection_.addEventHandler([this](const xcb_generic_event_t& event) { handle(event); });
-  batchHandler_ = connection_.addBatchHandler([this] { handleBatch(); });
   selectRawEvents();
 }
 

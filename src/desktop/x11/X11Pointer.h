@@ -51,6 +51,8 @@ class X11Pointer final : public platform::Pointer {
   /// `watchMotion` token lives. Never without the XInput extension.
   [[nodiscard]] Token addMotionListener(std::function<void(const Place&)> block);
   [[nodiscard]] Token watchMotion();
+  /// The pointer may have moved unseen: the listeners hear of its place after this batch of events.
+  void expectMotion() { hasMoved_ = true; }
   /// While the token lives, motion elsewhere is not reported; what has been missed is, afterwards.
   [[nodiscard]] Token holdMotion();
 

@@ -9,17 +9,18 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr int mostRaisesAgainstOneWindow = 3;
+// Some window managers put a second window between their frame and the program's.
+constexpr int levelsOfFrames = 2;
 
 }  // namespace
 
-X11StackingGuard::X11StackingGuard(X11Connection& connection, std::function<void()> raise,
-                                   int millisecondsBetweenRaises)
-    : connection_(connection),
-      raise_(std::move(raise)),
-      millisecondsBetweenRaises_(millisecondsBetweenRaises) {
+X11StackingGuard::X11StackingGuard(X11Connection& connection, X11WindowNews& news,
+                                   std::function<void()> raise, const Limits& limits)
+    : connection_(connection), news_(news), raise_(std::move(raise)), limits_(limits) {
+  clock_.start();
   if (!connection_.isUsable()) return;
   typeProperty_ = connection_.atom("_NET_WM_WINDOW_TYPE");
+  stateProperty_ = connection_.atom("WM_STATE");
   for (const char* name :
        {"DROPDOWN_MENU", "POPUP_MENU", "MENU", "TOOLTIP", "NOTIFICATION", "COMBO", "DND"})
     popUpTypes_.push_back(connection_.atom(std::string("_NET_WM_WINDOW_TYPE_") + name));
@@ -31,42 +32,17 @@ void X11StackingGuard::start(xcb_window_t window, xcb_window_t companion, const 
   companion_ = companion;
   area_ = area;
   screen_ = screen;
-  eventHandler_ =
-      connection_.addEventHandler([this](const xcb_generic_event_t& event) { handle(event); });
+  if (!newsObserver_) newsObserver_ = news_.observe([this] { scheduleCheck(0); });
 }
 
 void X11StackingGuard::stop() {
-  eventHandler_.reset();
+  newsObserver_.reset();
   timer_.stop();
   raisesAgainst_.clear();
 }
 
-void X11StackingGuard::handle(const xcb_generic_event_t& event) {
-  switch (eventType(event)) {
-    case XCB_MAP_NOTIFY:
-      if (eventAs<xcb_map_notify_event_t>(event).window != window_) scheduleCheck();
-      return;
-    case XCB_CONFIGURE_NOTIFY: {
-      const auto& change = eventAs<xcb_configure_notify_event_t>(event);
-      const QRect frame(change.x, change.y, change.width, change.height);
-      const bool isOurs = change.window == window_ || change.window == companion_;
-      if (!isOurs && frame.intersects(area_)) scheduleCheck();
-      return;
-    }
-    case XCB_UNMAP_NOTIFY:
-      raisesAgainst_.erase(eventAs<xcb_unmap_notify_event_t>(event).window);
-      // It may have been what kept us from rising above another one.
-      scheduleCheck();
-      return;
-    default:
-      return;
-  }
-}
-
-void X11StackingGuard::scheduleCheck() {
-  if (timer_.isActive()) return;
-  const auto since = sinceRaise_.isValid() ? sinceRaise_.elapsed() : millisecondsBetweenRaises_;
-  timer_.start(static_cast<int>(std::max<qint64>(0, millisecondsBetweenRaises_ - since)), this);
+void X11StackingGuard::scheduleCheck(qint64 milliseconds) {
+  timer_.start(static_cast<int>(std::max(milliseconds, nextRaise_ - clock_.elapsed())), this);
 }
 
 void X11StackingGuard::timerEvent(QTimerEvent*) {
@@ -76,15 +52,32 @@ void X11StackingGuard::timerEvent(QTimerEvent*) {
 
 void X11StackingGuard::check() {
   const auto above = windowsAbove();
-  if (std::any_of(above.begin(), above.end(),
-                  [this](const Neighbour& neighbour) { return belongsAbove(neighbour); }))
+  if (above.empty() || std::any_of(above.begin(), above.end(), [this](const Neighbour& neighbour) {
+        return belongsAbove(neighbour);
+      }))
     return;
-  bool shouldRaise = false;
+  if (const auto wait = untilRaiseAgainst(above); wait > 0) return scheduleCheck(wait);
   for (const Neighbour& neighbour : above)
-    shouldRaise |= raisesAgainst_[neighbour.window]++ < mostRaisesAgainstOneWindow;
-  if (!shouldRaise) return;
-  sinceRaise_.start();
+    raisesAgainst_[neighbour.window].push_back(clock_.elapsed());
+  nextRaise_ = clock_.elapsed() + limits_.betweenRaises;
   raise_();
+}
+
+// In milliseconds. A raise is against all windows above, so one that may be made against one of
+// them may be made.
+qint64 X11StackingGuard::untilRaiseAgainst(const std::vector<Neighbour>& neighbours) {
+  const auto now = clock_.elapsed();
+  for (auto& [window, times] : raisesAgainst_)
+    while (!times.empty() && times.front() + limits_.perTime <= now) times.pop_front();
+  std::erase_if(raisesAgainst_, [](const auto& entry) { return entry.second.empty(); });
+  qint64 least = limits_.perTime;
+  for (const Neighbour& neighbour : neighbours) {
+    const auto found = raisesAgainst_.find(neighbour.window);
+    const bool isFree =
+        found == raisesAgainst_.end() || found->second.size() < limits_.raisesAgainstOneWindow;
+    least = std::min(least, isFree ? 0 : found->second.front() + limits_.perTime - now);
+  }
+  return least;
 }
 
 // The visible windows above ours that touch the guarded area.
@@ -123,7 +116,26 @@ bool X11StackingGuard::takesInput(xcb_window_t window) {
 }
 
 bool X11StackingGuard::belongsAbove(const Neighbour& neighbour) {
-  return neighbour.isUnmanaged && (neighbour.frame.contains(screen_) || isPopUp(neighbour.window));
+  const auto isLocker = [&] {
+    return neighbour.frame.contains(screen_) && !isFrame(neighbour.window, levelsOfFrames);
+  };
+  return neighbour.isUnmanaged && (isPopUp(neighbour.window) || isLocker());
+}
+
+// Window managers mark the windows that they manage. Frames around them may themselves be
+// unmanaged.
+bool X11StackingGuard::isFrame(xcb_window_t window, int depth) {
+  const auto tree =
+      connection_.reply(xcb_query_tree_reply, xcb_query_tree(connection_.get(), window));
+  if (!tree) return false;
+  const auto* children = xcb_query_tree_children(tree.get());
+  return std::any_of(
+      children, children + xcb_query_tree_children_length(tree.get()), [&](xcb_window_t child) {
+        const auto state = connection_.reply(
+            xcb_get_property_reply, xcb_get_property(connection_.get(), 0, child, stateProperty_,
+                                                     XCB_GET_PROPERTY_TYPE_ANY, 0, 0));
+        return (state && state->type != XCB_ATOM_NONE) || (depth > 1 && isFrame(child, depth - 1));
+      });
 }
 
 bool X11StackingGuard::isPopUp(xcb_window_t window) {
