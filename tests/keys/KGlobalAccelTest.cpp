@@ -105,7 +105,7 @@ TEST_F(KGlobalAccelTest, AKeyThatTheDesktopLeavesArrivesUntilItIsGivenUp) {
   EXPECT_THAT(signal(pressed, volumeUpKey | shift), ElementsAre("shift+volume-up down"));
   EXPECT_EQ(keys_->state(MediaKey::volumeUp), KeyState::taken);
   const int before = changes_;
-  EXPECT_TRUE(write(""));
+  EXPECT_TRUE(write("@as []"));
   EXPECT_TRUE(stands(KeyState::held));
   EXPECT_EQ(changes_, before + 1);
 
@@ -115,7 +115,7 @@ TEST_F(KGlobalAccelTest, AKeyThatTheDesktopLeavesArrivesUntilItIsGivenUp) {
   EXPECT_THAT(signal(released, volumeUpKey), ElementsAre("volume-up up"));
   EXPECT_THAT(signal(pressed, volumeUpKey), ElementsAre("volume-up down"));
 
-  EXPECT_TRUE(write(std::to_string(volumeUpKey))) << "although it is still held";
+  EXPECT_TRUE(write("['16777330']")) << "although it is still held";
   EXPECT_TRUE(stands(KeyState::taken));
   keys_->hold({});
   EXPECT_TRUE(tests::waitFor([&] { return service_->actionsOf("valdrix").isEmpty(); }));
@@ -127,13 +127,13 @@ TEST_F(KGlobalAccelTest, TheServiceComesAndGoes) {
   service_->add("valdrix", "mute", {{muteKey | shift, 0, 0, 0}});
   service_->setRunning(false);
   EXPECT_EQ(read(up), "?");
-  EXPECT_FALSE(write(""));
+  EXPECT_FALSE(write("@as []"));
   makeKeys();
   keys_->hold({MediaKey::volumeUp});
   for (int round = 0; round < 2; ++round) {
     SCOPED_TRACE(round);
     service_->setRunning(true);
-    EXPECT_TRUE(write(""));
+    EXPECT_TRUE(write("@as []"));
     EXPECT_TRUE(stands(KeyState::held));
     EXPECT_THAT(signal(pressed, volumeUpKey), ElementsAre("volume-up down"));
     EXPECT_THAT(service_->actionsOf("valdrix"), ElementsAre("volume-up", "volume-up-fine"));
@@ -147,17 +147,17 @@ TEST_F(KGlobalAccelTest, TheServiceComesAndGoes) {
 TEST_F(KGlobalAccelTest, ValuesSurviveAndWhatIsRefusedIsNotWritten) {
   EXPECT_EQ(read("kmix/unknown"), "?");
   EXPECT_EQ(read("unknown"), "?");
-  EXPECT_EQ(read("kmix/mute"), "16777329,67108929 66");
-  EXPECT_TRUE(write("", "kmix/mute"));
-  EXPECT_EQ(read("kmix/mute"), "");
-  EXPECT_TRUE(write("67108929 66", "kmix/mute"));
+  EXPECT_EQ(read("kmix/mute"), "['16777329', '67108929 66']");
+  EXPECT_TRUE(write("@as []", "kmix/mute"));
+  EXPECT_EQ(read("kmix/mute"), "@as []");
+  EXPECT_TRUE(write("['67108929 66']", "kmix/mute"));
   EXPECT_TRUE(write(std::nullopt, "kmix/mute"));
-  EXPECT_EQ(read("kmix/mute"), "16777329,67108929 66");
-  for (const char* value : {"16777330", "nonsense", "1,,2", "-1"})
+  EXPECT_EQ(read("kmix/mute"), "['16777329', '67108929 66']");
+  for (const char* value : {"['16777330']", "", "[]", "['']", "['1',]", "['-1']", "['1 2 3 4 5']"})
     EXPECT_FALSE(write(value, "kmix/mute")) << value;
-  EXPECT_FALSE(write("16777330,67108929", "kmix/mute"));
-  EXPECT_EQ(read("kmix/mute"), "67108929") << "the other was refused";
-  EXPECT_FALSE(write("", "kmix/unknown"));
+  EXPECT_FALSE(write("['16777330', '67108929']", "kmix/mute"));
+  EXPECT_EQ(read("kmix/mute"), "['67108929']") << "the other was refused";
+  EXPECT_FALSE(write("@as []", "kmix/unknown"));
 }
 
 }  // namespace

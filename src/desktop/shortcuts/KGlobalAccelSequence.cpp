@@ -5,12 +5,15 @@
 #include <QDBusMetaType>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 
 namespace valdrix::desktop {
 
 namespace {
 
 constexpr int placesOnBus = 4;
+constexpr QStringView noStrings = u"@as []";
+constexpr QStringView separator = u"', '";
 
 std::optional<KGlobalAccelSequence> parseSequence(const QString& text) {
   KGlobalAccelSequence sequence;
@@ -53,9 +56,11 @@ std::optional<KGlobalAccelTriggers> KGlobalAccelTriggers::from(const QDBusMessag
 
 std::optional<KGlobalAccelTriggers> KGlobalAccelTriggers::parse(const std::string& text) {
   KGlobalAccelTriggers triggers;
-  if (text.empty()) return triggers;
-  for (const auto& part : QString::fromStdString(text).split(u',')) {
-    const auto sequence = parseSequence(part);
+  const auto list = QString::fromStdString(text);
+  if (list == noStrings) return triggers;
+  if (!list.startsWith(u"['") || !list.endsWith(u"']")) return std::nullopt;
+  for (const auto& string : list.mid(2).chopped(2).split(separator.toString())) {
+    const auto sequence = parseSequence(string);
     if (!sequence) return std::nullopt;
     triggers.sequences_.append(*sequence);
   }
@@ -63,13 +68,14 @@ std::optional<KGlobalAccelTriggers> KGlobalAccelTriggers::parse(const std::strin
 }
 
 std::string KGlobalAccelTriggers::text() const {
-  QStringList parts;
+  if (sequences_.isEmpty()) return noStrings.toString().toStdString();
+  QStringList strings;
   for (const auto& sequence : sequences_) {
-    QStringList words;
-    for (const int key : sequence.keys) words.append(QString::number(key));
-    parts.append(words.join(u' '));
+    QStringList keys;
+    for (const int key : sequence.keys) keys.append(QString::number(key));
+    strings.append(keys.join(u' '));
   }
-  return parts.join(u',').toStdString();
+  return "['" + strings.join(separator).toStdString() + "']";
 }
 
 QVariant KGlobalAccelTriggers::argument() const {

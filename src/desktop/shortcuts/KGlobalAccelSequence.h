@@ -32,7 +32,8 @@ class KGlobalAccelTriggers {
   /// The reverse of `text`; none for what that never writes.
   [[nodiscard]] static std::optional<KGlobalAccelTriggers> parse(const std::string& text);
 
-  /// The sequences divided by commas, the keys of one by spaces: "16777330,67108939 65".
+  /// As GVariant writes a list of strings, each of which is a sequence, its keys divided by spaces:
+  /// ['16777330', '67108939 65'], @as [].
   [[nodiscard]] std::string text() const;
   /// As the service takes it.
   [[nodiscard]] QVariant argument() const;

@@ -11,7 +11,7 @@ namespace valdrix::desktop {
 
 /// The keys of other programs' global shortcuts under KDE. A setting is "component/action" by their
 /// unique names ("kmix/increase_volume"), and its value is what triggers the action, as
-/// `KGlobalAccelTriggers` writes it; empty when nothing does. There is always a value: writing none
+/// `KGlobalAccelTriggers` writes it. There is always a value: writing none
 /// writes the action's default. It counts at once, and the service keeps it in kglobalshortcutsrc.
 class KGlobalAccelSettings final : public SettingStore {
  public:
