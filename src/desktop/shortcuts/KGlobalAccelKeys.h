@@ -21,6 +21,10 @@ namespace valdrix::desktop {
 /// The service keeps a key for the action that has it, running or not, so keys come only when the
 /// desktop's own actions have been made to leave them. Shortcuts that are held outlive a process
 /// that is killed and are this program's again when it runs; what it does not hold then is removed.
+///
+/// On X11 the service grabs the keys. A grab that another client has keeps it from doing so until
+/// the action gets its keys anew, and it does not say so: no source that grabs keys may be asked
+/// for one before this.
 class KGlobalAccelKeys final : public KeySource {
  public:
   /// Whether the desktop leaves that key to this program.
