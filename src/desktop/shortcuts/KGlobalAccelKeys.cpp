@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "desktop/shortcuts/KGlobalAccelCall.h"
-#include "desktop/shortcuts/KGlobalAccelSequence.h"
+#include "desktop/shortcuts/KGlobalAccelTriggers.h"
 #include "platform/EventTaps.h"
 
 namespace valdrix::desktop {

@@ -4,7 +4,7 @@
 #include <QStringList>
 
 #include "desktop/session/SessionBus.h"
-#include "desktop/shortcuts/KGlobalAccelSequence.h"
+#include "desktop/shortcuts/KGlobalAccelTriggers.h"
 #include "desktop/shortcuts/SettingStore.h"
 
 namespace valdrix::desktop {

@@ -1,4 +1,4 @@
-#include "desktop/shortcuts/KGlobalAccelSequence.h"
+#include "desktop/shortcuts/KGlobalAccelTriggers.h"
 
 #include <algorithm>
 
