@@ -18,8 +18,9 @@ struct Execute {
   int& argc;
   char** argv;
 
-  int operator()(const Run&) const { return runAgent(std::nullopt, argc, argv); }
+  int operator()(const Run&) const { return runAgent({}, argc, argv); }
   int operator()(const OpenSettings& command) const { return runAgent(command, argc, argv); }
+  int operator()(const OpenPermissions& command) const { return runAgent(command, argc, argv); }
   int operator()(const Simulate& command) const { return simulateScenario(command, argc, argv); }
   template <class Other>
   int operator()(const Other&) const {

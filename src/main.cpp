@@ -20,6 +20,7 @@ struct Execute {
 
   int operator()(const Run&) const { return becomeAgent(argv); }
   int operator()(const OpenSettings&) const { return becomeAgent(argv); }
+  int operator()(const OpenPermissions&) const { return becomeAgent(argv); }
   int operator()(const Simulate&) const { return becomeAgent(argv); }
   int operator()(const PressKey& command) const { return pressKey(command, argc, argv); }
   int operator()(const ShowLevel& command) const { return showLevel(command, argc, argv); }

@@ -32,8 +32,8 @@ AgentAnswer shown(NotchWindowController::Showing showing, const char* whenUnavai
 
 }  // namespace
 
-int Agent::run(const desktop::SettingsRequest& settings, bool opensSettings) {
-  switch (instance_.claim(settings)) {
+int Agent::run(const desktop::SettingsRequest& window, bool opensWindow) {
+  switch (instance_.claim(window)) {
     case desktop::SingleInstance::Claim::handedOver:
       return 0;
     case desktop::SingleInstance::Claim::unanswered:
@@ -47,7 +47,7 @@ int Agent::run(const desktop::SettingsRequest& settings, bool opensSettings) {
   const Token answers = platform_->privacySettings().observeAnswers(
       [this] { app_->appDelegate().calendarService().requestAccess(); });
   app_->didFinishLaunching();
-  if (opensSettings) openSettings(settings);
+  if (opensWindow) openWindow(window);
   const int result = QCoreApplication::exec();
   app_.reset();
   platform_.reset();
@@ -71,7 +71,7 @@ desktop::AgentObject::Handlers Agent::handlers() {
         return {true, requestCalendarAccess(app.calendarService(), platform_->ports().eventStore)};
       }),
       .openSettings = whenStarted([this](AppDelegate&, const desktop::SettingsRequest& request) {
-        openSettings(request);
+        openWindow(request);
         return AgentAnswer{true, {}};
       }),
       .pressKey = whenStarted([this](AppDelegate&, const desktop::AgentObject::KeyPress& press) {
@@ -102,10 +102,15 @@ desktop::AgentObject::Handlers Agent::handlers() {
 }
 
 // A turn of the loop later, because whoever asked should not wait for a window to be made.
-void Agent::openSettings(const desktop::SettingsRequest& request) {
+void Agent::openWindow(const desktop::SettingsRequest& request) {
   runLoop_.async([this, request] {
     if (!platform_) return;
-    request.activation.during([&] { platform_->ports().sceneHost.openSettings(request.tab); });
+    request.activation.during([&] {
+      if (request.window == desktop::SettingsRequest::Window::permissions)
+        platform_->privacySettings().open(request.tab);
+      else
+        platform_->ports().sceneHost.openSettings(request.tab);
+    });
   });
 }
 

@@ -20,16 +20,16 @@ class Agent {
  public:
   Agent() : object_(handlers()) {}
 
-  /// Runs until the application is told to quit, unless another agent runs, which opens its
-  /// settings then. `opensSettings`: this one begins with them open, too. The process's exit code.
-  [[nodiscard]] int run(const desktop::SettingsRequest& settings, bool opensSettings);
+  /// Runs until the application is told to quit, unless another agent runs, which opens that
+  /// window then. `opensWindow`: this one begins with it open, too. The process's exit code.
+  [[nodiscard]] int run(const desktop::SettingsRequest& window, bool opensWindow);
 
  private:
   [[nodiscard]] desktop::AgentObject::Handlers handlers();
   /// What `answer` says, once the agent has started.
   template <class F>
   [[nodiscard]] auto whenStarted(F answer);
-  void openSettings(const desktop::SettingsRequest& request);
+  void openWindow(const desktop::SettingsRequest& request);
   [[nodiscard]] desktop::AgentAnswer pressKey(const desktop::AgentObject::KeyPress& press);
 
   desktop::QtRunLoop runLoop_;

@@ -21,8 +21,10 @@ struct Named {
   T value;
 };
 
-constexpr Named<std::size_t> tabs[] = {
+constexpr Named<std::size_t> settingsTabs[] = {
     {"general", 0}, {"calendrier", 1}, {"huds", 2}, {"apropos", 3}};
+
+constexpr Named<std::size_t> permissionTabs[] = {{"calendriers", 0}, {"touches", 1}};
 
 constexpr Named<ShowLevel::Kind> levels[] = {{"volume", ShowLevel::Kind::volume},
                                              {"brightness", ShowLevel::Kind::brightness}};
@@ -53,12 +55,14 @@ std::optional<double> takeNumber(std::string_view& text, double most) {
   return value;
 }
 
-Command parseSettings(Words words) {
-  if (words.empty()) return OpenSettings{};
+/// A command that opens a window, perhaps at one of its tabs.
+template <class Open, const auto& tabs>
+Command parseOpening(Words words) {
+  if (words.empty()) return Open{};
   const auto* const tab = find(tabs, words[0]);
   if (!tab) return Misuse{"onglet inconnu : " + words[0]};
   if (words.size() > 1) return unexpected(words[1]);
-  return OpenSettings{tab->value};
+  return Open{tab->value};
 }
 
 Command parseKey(Words words) {
@@ -119,7 +123,8 @@ Command parseSimulate(Words words) {
 }
 
 constexpr Named<Command (*)(Words)> verbs[] = {
-    {"settings", parseSettings},
+    {"settings", parseOpening<OpenSettings, settingsTabs>},
+    {"permissions", parseOpening<OpenPermissions, permissionTabs>},
     {"key", parseKey},
     {"show", parseShow},
     {"notch", parseNotch},
@@ -157,6 +162,9 @@ std::string usage() {
          "Sans commande, lance valdrix, ou ouvre les réglages de celui qui tourne déjà.\n"
          "\n"
          "  settings [ONGLET]   ouvre les réglages : general, calendrier, huds ou apropos\n"
+         "  permissions [ONGLET]\n"
+         "                      ouvre la page où tu donnes et retires les accès : calendriers\n"
+         "                      ou touches\n"
          "  key TOUCHE          agit comme la touche : volume-up, volume-down, mute,\n"
          "                      brightness-up ou brightness-down\n"
          "      --fine            par quart de pas, comme avec Maj\n"

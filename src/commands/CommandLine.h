@@ -18,6 +18,11 @@ struct OpenSettings {
   /// Which tab, counted from 0; none: the one that was seen last.
   std::optional<std::size_t> tab;
 };
+/// Opens the privacy page of the running agent, or runs the agent with that page open.
+struct OpenPermissions {
+  /// Which tab, counted from 0; none: the one that was seen last.
+  std::optional<std::size_t> tab;
+};
 /// Has the running agent take a media key.
 struct PressKey {
   MediaKeyMonitor::KeyAction action;
@@ -55,8 +60,8 @@ struct Misuse {
 };
 
 using Command =
-    std::variant<Run, OpenSettings, PressKey, ShowLevel, DescribeHousings, PreviewHousing, Status,
-                 Quit, Access, Simulate, ShowVersion, ShowHelp, Misuse>;
+    std::variant<Run, OpenSettings, OpenPermissions, PressKey, ShowLevel, DescribeHousings,
+                 PreviewHousing, Status, Quit, Access, Simulate, ShowVersion, ShowHelp, Misuse>;
 
 /// What the words after the program's name ask for.
 [[nodiscard]] Command parse(const std::vector<std::string>& words);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include <QApplication>
@@ -36,11 +37,19 @@ struct PlatformArguments {
   int count = 0;
 };
 
+desktop::SettingsRequest request(const Opened& opened) {
+  using Window = desktop::SettingsRequest::Window;
+  auto activation = desktop::ActivationToken::take();
+  if (const auto* const page = std::get_if<OpenPermissions>(&opened))
+    return {page->tab, std::move(activation), Window::permissions};
+  const auto* const settings = std::get_if<OpenSettings>(&opened);
+  return {settings ? settings->tab : std::nullopt, std::move(activation), Window::settings};
+}
+
 }  // namespace
 
-int runAgent(const std::optional<OpenSettings>& opened, int& argc, char** argv) {
-  const desktop::SettingsRequest settings{opened ? opened->tab : std::nullopt,
-                                          desktop::ActivationToken::take()};
+int runAgent(const Opened& opened, int& argc, char** argv) {
+  const auto window = request(opened);
   const auto hasDisplay = [] { return desktop::QtPlatformChoice::make().hasDisplay; };
   if (desktop::isRestartWithoutDisplay() && !desktop::awaitDisplay(hasDisplay))
     return fail("l'affichage n'est pas revenu");
@@ -56,7 +65,7 @@ int runAgent(const std::optional<OpenSettings>& opened, int& argc, char** argv) 
   QObject::connect(
       &application, &QGuiApplication::saveStateRequest, &application,
       [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
-  return Agent().run(settings, opened.has_value());
+  return Agent().run(window, !std::holds_alternative<std::monostate>(opened));
 }
 
 }  // namespace valdrix::commands

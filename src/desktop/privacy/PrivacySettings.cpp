@@ -31,7 +31,7 @@ PrivacySettings::~PrivacySettings() = default;
 bool PrivacySettings::open(std::string_view url) {
   const auto* const link = std::ranges::find(links, url);
   if (link == links.end()) return false;
-  show(static_cast<std::size_t>(link - links.begin()));
+  open(static_cast<std::size_t>(link - links.begin()));
   return true;
 }
 
@@ -51,9 +51,12 @@ view::SettingsScene PrivacySettings::scene() {
                     }}}};
 }
 
-void PrivacySettings::show(std::size_t tab) {
-  if (!window_) window_ = std::make_unique<SettingsWindow>(scene(), [this] { windowDidClose(); });
-  window_->selectTab(tab);
+void PrivacySettings::open(std::optional<std::size_t> tab) {
+  if (!window_) {
+    window_ = std::make_unique<SettingsWindow>(scene(), [this] { windowDidClose(); });
+    window_->selectTab(lastTab_);
+  }
+  if (tab) window_->selectTab(*tab);
   window_->open();
 }
 
@@ -63,6 +66,7 @@ void PrivacySettings::windowDidClose() {
       &context_,
       [this] {
         if (!window_ || window_->isVisible()) return;
+        lastTab_ = window_->tab();
         window_.reset();
         ::malloc_trim(0);
       },

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include <QObject>
@@ -37,6 +38,8 @@ class PrivacySettings {
   PrivacySettings(const PrivacySettings&) = delete;
   PrivacySettings& operator=(const PrivacySettings&) = delete;
 
+  /// Opens a tab, counted from 0, or the one that was seen last.
+  void open(std::optional<std::size_t> tab);
   /// Opens the tab that a link to the system's privacy settings leads to. False for other links.
   bool open(std::string_view url);
   /// Calls `block` after the user has given or withdrawn an access here.
@@ -50,12 +53,12 @@ class PrivacySettings {
   [[nodiscard]] SettingsWindow* window() { return window_.get(); }
 
  private:
-  void show(std::size_t tab);
   void windowDidClose();
 
   Ports ports_;
   Listeners<> answers_;
   std::unique_ptr<SettingsWindow> window_;
+  std::size_t lastTab_ = 0;
   QObject context_;
 };
 

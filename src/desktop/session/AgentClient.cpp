@@ -36,8 +36,10 @@ AgentAnswer AgentClient::status() { return ask("Status"); }
 AgentAnswer AgentClient::requestCalendarAccess() { return ask("RequestCalendarAccess"); }
 
 AgentAnswer AgentClient::openSettings(const SettingsRequest& request) {
-  return ask("OpenSettings", {request.tab ? static_cast<int>(*request.tab) : -1,
-                              QString::fromStdString(request.activation.text())});
+  const bool isPermissions = request.window == SettingsRequest::Window::permissions;
+  return ask(isPermissions ? "OpenPermissions" : "OpenSettings",
+             {request.tab ? static_cast<int>(*request.tab) : -1,
+              QString::fromStdString(request.activation.text())});
 }
 
 AgentAnswer AgentClient::pressKey(const AgentObject::KeyPress& press) {

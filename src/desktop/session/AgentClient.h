@@ -21,7 +21,7 @@ class AgentClient {
   [[nodiscard]] AgentAnswer status();
   /// Has the agent ask the user for access to the calendars, unless that is settled.
   [[nodiscard]] AgentAnswer requestCalendarAccess();
-  /// Opens the agent's settings window.
+  /// Opens the window of the agent that is asked for.
   [[nodiscard]] AgentAnswer openSettings(const SettingsRequest& request);
   /// Has the agent take a media key as if it had been pressed. Not done: it passed the key on.
   [[nodiscard]] AgentAnswer pressKey(const AgentObject::KeyPress& press);

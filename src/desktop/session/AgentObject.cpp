@@ -14,10 +14,10 @@ namespace valdrix::desktop {
 
 namespace {
 
-SettingsRequest settingsRequest(const QVariantList& arguments) {
+SettingsRequest settingsRequest(SettingsRequest::Window window, const QVariantList& arguments) {
   const int tab = arguments[0].toInt();
   return {tab < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(tab)),
-          ActivationToken(arguments[1].toString().toStdString())};
+          ActivationToken(arguments[1].toString().toStdString()), window};
 }
 
 }  // namespace
@@ -30,15 +30,19 @@ struct AgentObject::Method {
 };
 
 // The arguments of PressKey are the key's code, whether it moves by the fine step, and whether it
-// repeats; those of OpenSettings a tab from 0, or -1, and a token that lets a window come to the
-// front; those of PreviewHousing a width and a height in points.
+// repeats; those of OpenSettings and OpenPermissions a tab from 0, or -1, and a token that lets a
+// window come to the front; those of PreviewHousing a width and a height in points.
 const AgentObject::Method AgentObject::methods[] = {
     {"Status", "", [](const Handlers& to, const QVariantList&) { return to.status(); }},
     {"RequestCalendarAccess", "",
      [](const Handlers& to, const QVariantList&) { return to.requestCalendarAccess(); }},
     {"OpenSettings", "is",
      [](const Handlers& to, const QVariantList& with) {
-       return to.openSettings(settingsRequest(with));
+       return to.openSettings(settingsRequest(SettingsRequest::Window::settings, with));
+     }},
+    {"OpenPermissions", "is",
+     [](const Handlers& to, const QVariantList& with) {
+       return to.openSettings(settingsRequest(SettingsRequest::Window::permissions, with));
      }},
     {"PressKey", "ubb",
      [](const Handlers& to, const QVariantList& with) {

@@ -32,6 +32,7 @@ class AgentObject final : public QDBusVirtualObject {
     std::function<AgentAnswer()> status{};
     /// Asks the user for access to the calendars.
     std::function<AgentAnswer()> requestCalendarAccess{};
+    /// Opens the window that is asked for.
     std::function<AgentAnswer(const SettingsRequest&)> openSettings{};
     std::function<AgentAnswer(const KeyPress&)> pressKey{};
     /// Show the indicator of the present level.
