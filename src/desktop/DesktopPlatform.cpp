@@ -128,6 +128,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
                        .openSettings =
                            [this](std::string_view url) { return privacySettings_.open(url); }}),
       urlSession_(makeUrlSession(runLoop)),
+      appearance_(bus),
       sceneHost_(bus),
       housings_(CameraHousings::Sources::fromEnvironment()),
       housingsWatch_(housings_.userFile(), [this] { housings_.reread(); }),
@@ -161,6 +162,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
              .textMetrics = textMetrics_} {
   connectMenu();
   connectBacklight();
+  connectTheme();
 }
 
 void DesktopPlatform::connectBacklight() {
@@ -181,6 +183,12 @@ void DesktopPlatform::connectMenu() {
   const auto tellOfTray = [this] { sceneHost_.setHasX11Tray(windowSystem_->hasTray()); };
   trayObserver_ = windowSystem_->observeTray(tellOfTray);
   tellOfTray();
+}
+
+void DesktopPlatform::connectTheme() {
+  const auto tellOfTheme = [this] { appearance_.setThemeName(windowSystem_->themeName()); };
+  themeObserver_ = windowSystem_->observeTheme(tellOfTheme);
+  tellOfTheme();
 }
 
 QJsonObject DesktopPlatform::backends() const {

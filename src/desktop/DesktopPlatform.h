@@ -15,6 +15,7 @@
 #include "desktop/keys/MediaKeyTaps.h"
 #include "desktop/privacy/KeyLossNotice.h"
 #include "desktop/privacy/PrivacySettings.h"
+#include "desktop/scenes/Appearance.h"
 #include "desktop/scenes/QtSceneHost.h"
 #include "desktop/screens/CameraHousings.h"
 #include "desktop/session/CompiledBundle.h"
@@ -76,6 +77,8 @@ class DesktopPlatform {
   void connectMenu();
   /// Leaves brightness keys to the desktop for as long as the backlight cannot be written.
   void connectBacklight();
+  /// Has the windows follow the window system's theme.
+  void connectTheme();
 
   const std::string choice_;
 
@@ -98,6 +101,7 @@ class DesktopPlatform {
   CompiledBundle bundle_;
   /// While the menu is open on a panel.
   Token panelHold_;
+  Appearance appearance_;
   QtSceneHost sceneHost_;
   CameraHousings housings_;
   FileWatch housingsWatch_;
@@ -108,6 +112,7 @@ class DesktopPlatform {
   Token preferencesObserver_;
   Token backlightObserver_;
   Token trayObserver_;
+  Token themeObserver_;
   platform::Platform ports_;
 };
 

@@ -38,6 +38,11 @@ class WindowSystem {
   /// What makes the source of the media keys that the window system itself gives; empty where it
   /// gives them to no program.
   [[nodiscard]] virtual KeySource::Maker keySource() { return {}; }
+  /// The name of the theme that the window system has programs use, empty when it has none, and a
+  /// call whenever that changes.
+  [[nodiscard]] virtual std::string themeName() const { return {}; }
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
+  [[nodiscard]] virtual Token observeTheme(std::function<void()> /*block*/) { return {}; }
 
   [[nodiscard]] virtual platform::Screens& screens() = 0;
   [[nodiscard]] virtual platform::PanelWindows& panelWindows() = 0;

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "desktop/WindowSystem.h"
@@ -30,6 +31,10 @@ class X11WindowSystem final : public WindowSystem {
     return desktop_.tray.observeChanges(std::move(block));
   }
   [[nodiscard]] KeySource::Maker keySource() override;
+  [[nodiscard]] std::string themeName() const override { return desktop_.theme.name(); }
+  [[nodiscard]] Token observeTheme(std::function<void()> block) override {
+    return desktop_.theme.observeChanges(std::move(block));
+  }
 
   [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }
   [[nodiscard]] platform::PanelWindows& panelWindows() override { return desktop_.panelWindows; }

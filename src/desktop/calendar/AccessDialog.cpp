@@ -5,6 +5,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "desktop/session/SoftwareSurfaces.h"
+
 namespace valdrix::desktop {
 
 AccessDialog::AccessDialog() = default;
@@ -43,7 +45,7 @@ void AccessDialog::show() {
     box_.release()->deleteLater();
     if (const auto block = std::exchange(onAnswer_, nullptr)) block(answer);
   });
-  box_->show();
+  withSoftwareSurfaces([this] { box_->show(); });
 }
 
 }  // namespace valdrix::desktop

@@ -109,7 +109,9 @@ class BadgeSymbol final : public QWidget {
  protected:
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    if (badge_.symbol) paintSymbol(painter, *badge_.symbol, rect(), toQt(badge_.symbolColor));
+    if (badge_.symbol)
+      paintSymbol(painter, *badge_.symbol, rect(),
+                  formStyle::symbolInk(palette(), toQt(badge_.symbolColor)));
   }
 
  private:

@@ -1,5 +1,6 @@
 #include "desktop/scenes/FormStyle.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <QApplication>
@@ -17,12 +18,35 @@ QColor shade(const QPalette& palette, double share) {
   return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), share);
 }
 
-bool isDark(const QPalette& palette) {
-  return palette.color(QPalette::Window).lightnessF() <
-         palette.color(QPalette::WindowText).lightnessF();
+/// The share of the light that a colour sends out.
+double luminance(const QColor& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+         0.0722 * linear(color.blueF());
 }
 
 }  // namespace
+
+bool isDark(const QPalette& palette) {
+  return luminance(palette.color(QPalette::Window)) <
+         luminance(palette.color(QPalette::WindowText));
+}
+
+double contrast(const QColor& a, const QColor& b) {
+  const auto [darker, lighter] = std::minmax(luminance(a), luminance(b));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor distinct(const QColor& color, const QColor& ground, double least, const QColor& towards) {
+  constexpr double step = 0.05;
+  for (double share = 0; share < 1; share += step) {
+    const QColor tried = mixed(color, towards, share);
+    if (contrast(tried, ground) >= least) return tried;
+  }
+  return towards;
+}
 
 QFont font(double factor, QFont::Weight weight) {
   QFont result = QApplication::font();
@@ -43,12 +67,24 @@ QColor mixed(const QColor& under, const QColor& over, double share) {
 QColor dimmedText(const QPalette& palette) { return shade(palette, 0.64); }
 
 QColor accentInk(const QPalette& palette) {
-  // Accents are chosen to lie below text; as text they need more distance from the window.
-  return mixed(palette.color(QPalette::Highlight), palette.color(QPalette::WindowText), 0.25);
+  // Accents are chosen to lie below text; as text they need more distance from what they lie on.
+  return distinct(palette.color(QPalette::Highlight), controlFill(palette, false), textContrast,
+                  palette.color(QPalette::WindowText));
+}
+
+QColor accentFill(const QPalette& palette) {
+  const QColor text = palette.color(QPalette::HighlightedText);
+  const bool isTextLight = luminance(text) > 0.18;
+  return distinct(palette.color(QPalette::Highlight), text, textContrast,
+                  isTextLight ? Qt::black : Qt::white);
+}
+
+QColor symbolInk(const QPalette& palette, const QColor& color) {
+  return distinct(color, groupFill(palette), shapeContrast, palette.color(QPalette::WindowText));
 }
 
 QColor groupFill(const QPalette& palette) {
-  if (isDark(palette)) return shade(palette, 0.06);
+  if (isDark(palette)) return shade(palette, 0.05);
   return mixed(palette.color(QPalette::Window), palette.color(QPalette::Base), 0.8);
 }
 
@@ -60,7 +96,8 @@ QColor controlFill(const QPalette& palette, bool isHovered) {
 }
 
 QColor switchTrack(const QPalette& palette) {
-  return shade(palette, isDark(palette) ? 0.38 : 0.36);
+  return distinct(shade(palette, 0.36), groupFill(palette), shapeContrast,
+                  palette.color(QPalette::WindowText));
 }
 
 bool showsFocus(const QWidget& widget) {

@@ -24,14 +24,30 @@ inline constexpr double calloutFactor = 0.92;
 inline constexpr double smallFactor = 0.85;
 
 [[nodiscard]] QColor dimmedText(const QPalette& palette);
+/// The accent colour, for text on it in the palette's highlighted colour.
+[[nodiscard]] QColor accentFill(const QPalette& palette);
 /// The accent colour, for text and symbols on the window or on a control.
 [[nodiscard]] QColor accentInk(const QPalette& palette);
 /// What stands a little out from the window: a group of rows.
 [[nodiscard]] QColor groupFill(const QPalette& palette);
+/// A symbol of that colour on a group of rows.
+[[nodiscard]] QColor symbolInk(const QPalette& palette, const QColor& color);
 [[nodiscard]] QColor hairline(const QPalette& palette);
+/// Whether texts are lighter than what they lie on.
+[[nodiscard]] bool isDark(const QPalette& palette);
+/// How far two opaque colours are apart, from 1 (the same) to 21 (black and white), as the Web
+/// Content Accessibility Guidelines define it.
+[[nodiscard]] double contrast(const QColor& a, const QColor& b);
+/// What texts, and what symbols and controls, need at least.
+inline constexpr double textContrast = 4.5;
+inline constexpr double shapeContrast = 3;
+/// `color`, with as much of `towards` as it needs to stand out from `ground` by that much, or all
+/// of it.
+[[nodiscard]] QColor distinct(const QColor& color, const QColor& ground, double least,
+                              const QColor& towards);
 /// `share` of `over` on `under`, both opaque.
 [[nodiscard]] QColor mixed(const QColor& under, const QColor& over, double share);
-/// The groove of a switch that is off; 3 to 1 against its group.
+/// The groove of a switch that is off.
 [[nodiscard]] QColor switchTrack(const QPalette& palette);
 /// What can be pressed, by how strongly it stands out from its group: at rest, under the pointer.
 [[nodiscard]] QColor controlFill(const QPalette& palette, bool isHovered);

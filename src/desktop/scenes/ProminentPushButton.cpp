@@ -42,7 +42,7 @@ QSize ProminentPushButton::sizeHint() const {
 void ProminentPushButton::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  const QColor accent = palette().color(QPalette::Highlight);
+  const QColor accent = formStyle::accentFill(palette());
   const QColor ink = palette().color(QPalette::HighlightedText);
   constexpr int pressedFactor = 118;
   constexpr int hoveredFactor = 108;

@@ -15,6 +15,7 @@
 #include "desktop/scenes/FormStyle.h"
 #include "desktop/scenes/FormView.h"
 #include "desktop/scenes/SettingsTabBar.h"
+#include "desktop/session/SoftwareSurfaces.h"
 
 namespace valdrix::desktop {
 
@@ -82,7 +83,7 @@ void SettingsWindow::open() {
   if (!isVisible()) {
     adjustSize();
     move(screen()->availableGeometry().center() - rect().center());
-    QWidget::show();
+    withSoftwareSurfaces([this] { QWidget::show(); });
   }
   setWindowState(windowState() & ~Qt::WindowMinimized);
   raise();

@@ -12,6 +12,7 @@
 #include "desktop/x11/X11PanelWindows.h"
 #include "desktop/x11/X11Pointer.h"
 #include "desktop/x11/X11Screens.h"
+#include "desktop/x11/X11ThemeName.h"
 #include "desktop/x11/X11WindowNews.h"
 
 namespace valdrix::desktop {
@@ -34,6 +35,7 @@ struct X11Desktop {
   X11Manager tray{connection, X11Manager::tray};
   X11WindowNews windowNews{connection};
   X11Overlay overlay{connection, pointer, compositing};
+  X11ThemeName theme{connection};
   /// Frames that all panels together have painted.
   std::uint64_t framesDrawn = 0;
   /// What a panel calls that is asked for the menu.

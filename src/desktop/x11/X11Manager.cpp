@@ -1,6 +1,7 @@
 #include "desktop/x11/X11Manager.h"
 
 #include <string>
+#include <utility>
 
 #include <xcb/xfixes.h>
 
@@ -12,7 +13,7 @@ X11Manager::X11Manager(X11Connection& connection, std::string_view kind) : conne
   watch();
   const auto owner = connection_.reply(xcb_get_selection_owner_reply,
                                        xcb_get_selection_owner(connection_.get(), selection_));
-  isActive_ = owner && owner->owner != XCB_WINDOW_NONE;
+  if (owner) owner_ = owner->owner;
 }
 
 void X11Manager::watch() {
@@ -30,14 +31,12 @@ void X11Manager::watch() {
   eventHandler_ = connection_.addEventHandler([this, notify](const xcb_generic_event_t& event) {
     if (eventType(event) != notify) return;
     const auto& change = eventAs<xcb_xfixes_selection_notify_event_t>(event);
-    if (change.selection == selection_) setActive(change.owner != XCB_WINDOW_NONE);
+    if (change.selection == selection_) setOwner(change.owner);
   });
 }
 
-void X11Manager::setActive(bool isActive) {
-  if (isActive == isActive_) return;
-  isActive_ = isActive;
-  observers_.notify();
+void X11Manager::setOwner(xcb_window_t owner) {
+  if (std::exchange(owner_, owner) != owner) observers_.notify();
 }
 
 Token X11Manager::observeChanges(std::function<void()> block) {
