@@ -6,7 +6,8 @@
 namespace valdrix {
 
 GeneralTab::GeneralTab(const SettingsEnvironment& environment)
-    : launchAtLoginService_(environment.launchAtLoginService),
+    : calendarService_(environment.calendarService),
+      launchAtLoginService_(environment.launchAtLoginService),
       calendarPermissionRow_{environment.calendarService},
       accessibilityStatusView_(environment.accessibility, environment.runLoop,
                                environment.workspace) {
@@ -29,7 +30,11 @@ view::TabContent GeneralTab::body() const {
        .rows = std::move(permissions),
        .footer = "L'accès au calendrier sert à afficher tes prochains événements dans le notch. La "
                  "permission Accessibilité permet d'intercepter les touches volume et luminosité "
-                 "avant macOS pour afficher les HUDs personnalisés."},
+                 "avant macOS pour afficher les HUDs personnalisés.",
+       .link = view::PushButton{"Gérer les permissions…",
+                                [&service = calendarService_] {
+                                  service.openCalendarPrivacySettings();
+                                }}},
   }};
 }
 

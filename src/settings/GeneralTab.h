@@ -8,7 +8,8 @@
 
 namespace valdrix {
 
-/// Start at login, and the permissions that the program lives on.
+/// Start at login, and the permissions that the program lives on. The rows of these offer nothing
+/// once they are given, so a link leads to where they are taken back.
 class GeneralTab final : public view::TabView {
  public:
   /// Reads anew whether the program starts at login.
@@ -17,6 +18,7 @@ class GeneralTab final : public view::TabView {
   [[nodiscard]] view::TabContent body() const override;
 
  private:
+  CalendarService& calendarService_;
   LaunchAtLoginService& launchAtLoginService_;
   CalendarPermissionRow calendarPermissionRow_;
   AccessibilityStatusView accessibilityStatusView_;

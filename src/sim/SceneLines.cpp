@@ -49,7 +49,7 @@ struct RowText {
   }
   std::string operator()(const view::PushButton& button) const { return "button " + button.title; }
   std::string operator()(const view::FormText& text) const {
-    return "text " + text.text + dimmed(text.prominence);
+    return (text.isCode ? "code " : "text ") + text.text + dimmed(text.prominence);
   }
 };
 
@@ -63,6 +63,7 @@ void addSection(const view::FormSection& section, std::vector<SeenLine>& lines) 
     ++place;
   }
   if (!section.footer.empty()) lines.push_back({key("footer"), "footer " + section.footer});
+  if (section.link) lines.push_back({key("link"), "link " + section.link->title});
 }
 
 struct ContentLines {

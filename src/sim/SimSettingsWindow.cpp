@@ -98,12 +98,25 @@ bool SimSettingsWindow::slide(std::string_view title, double value) {
   return true;
 }
 
+bool SimSettingsWindow::follow(std::string_view title) {
+  const auto content = tab_->body();
+  const auto* form = std::get_if<view::Form>(&content);
+  if (!form) return false;
+  for (const auto& section : form->sections) {
+    if (!section.link || section.link->title != title) continue;
+    section.link->action();
+    return true;
+  }
+  return false;
+}
+
 bool SimSettingsWindow::click(std::string_view title) {
   if (const auto button = find<view::PushButton>(title)) {
     button->action();
     return true;
   }
   if (!tab_) return false;
+  if (follow(title)) return true;
   const auto content = tab_->body();
   const auto* panel = std::get_if<view::AboutPanel>(&content);
   if (!panel || panel->button.title != title) return false;

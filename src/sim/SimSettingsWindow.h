@@ -36,6 +36,7 @@ class SimSettingsWindow {
   bool step(std::string_view title, bool isUp);
   /// Moves the knob to the step nearest to `value`.
   bool slide(std::string_view title, double value);
+  /// Presses a button, or follows a link.
   bool click(std::string_view title);
 
  private:
@@ -43,6 +44,7 @@ class SimSettingsWindow {
   /// The control of that title, as it is described now.
   template <class Control>
   [[nodiscard]] std::optional<Control> find(std::string_view title) const;
+  bool follow(std::string_view title);
 
   view::SettingsScene scene_;
   Trace& trace_;

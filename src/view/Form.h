@@ -86,9 +86,12 @@ struct PushButton {
   std::function<void()> action;
 };
 
+/// A text across the row, in as many lines as it takes.
 struct FormText {
   std::string text;
   Prominence prominence = Prominence::primary;
+  /// A command or another text to be copied: in letters of equal width, and always selectable.
+  bool isCode = false;
 };
 
 /// One line of a form. `id` tells it from the other rows of its section when their order or number
@@ -99,11 +102,12 @@ struct FormRow {
 };
 
 /// Rows that belong together, in one rounded group: the header above it, the footer, dimmed and
-/// wrapped, below. Empty texts take no room.
+/// wrapped, below, and below that a link to where there is more. Empty texts take no room.
 struct FormSection {
   std::string header;
   std::vector<FormRow> rows;
   std::string footer{};
+  std::optional<PushButton> link{};
 };
 
 /// Sections below each other. What is taller than its window scrolls.

@@ -56,6 +56,9 @@ struct Tab {
 struct SettingsScene {
   Size size;
   std::vector<Tab> tabs;
+  /// Whether the texts of its forms that say more than a title can be selected and copied, by the
+  /// pointer and by the keyboard.
+  bool hasSelectableTexts = false;
 };
 
 }  // namespace valdrix::view

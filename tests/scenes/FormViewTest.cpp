@@ -10,6 +10,8 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
+#include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSlider>
@@ -89,7 +91,7 @@ class FormViewTest : public testing::Test {
   }
 
   int edits_ = 0;
-  FormView form_{[this] { ++edits_; }};
+  FormView form_{{.didEdit = [this] { ++edits_; }}};
 };
 
 TEST_F(FormViewTest, ChangesInPlaceKeepFocusAndScroll) {
@@ -132,6 +134,33 @@ TEST_F(FormViewTest, EveryControlIsNamedAndReachedInOrder) {
   EXPECT_EQ(line->role(), QAccessible::Slider);
   ASSERT_NE(line->valueInterface(), nullptr);
   EXPECT_DOUBLE_EQ(line->valueInterface()->currentValue().toDouble(), 0.9);
+}
+
+TEST_F(FormViewTest, TextsAreCopiedAndLinksFollowedByKeys) {
+  const std::string command = "gsettings set org.gnome.settings-daemon.plugins.media-keys \"[]\"";
+  int follows = 0;
+  FormView form({.didEdit = [] {}, .hasSelectableTexts = true});
+  form.show({{{.header = "Section",
+               .rows = {{view::LabeledRow{"Muet", view::ValueText{"valdrix key mute"}}},
+                        {view::FormText{.text = command, .isCode = true}}},
+               .footer = "Pied de page.",
+               .link = view::PushButton{"Gérer…", [&] { ++follows; }}}}});
+  const auto isFirst = [](const QLabel* label) { return label->text() == "valdrix key mute"; };
+  form.QWidget::show();
+  form.activateWindow();
+  ASSERT_TRUE(tests::waitFor([&] { return form.isActiveWindow(); }));
+  const auto labels = form.findChildren<QLabel*>();
+  (*std::ranges::find_if(labels, isFirst))->setFocus();
+  std::vector<std::string> copied;
+  for (int i = 0; i < 2; ++i) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    copied.push_back(QApplication::clipboard()->text().toStdString());
+  }
+  EXPECT_THAT(copied, ElementsAre(command, "Pied de page."));
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+  EXPECT_EQ(follows, 1);
 }
 
 TEST_F(FormViewTest, RowThatGoesHandsItsFocusOn) {

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QPointer>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTest>
 
@@ -29,6 +30,12 @@ struct World {
   int bodies = 0;
 };
 
+/// Twice as tall as the window, without a control.
+view::Form tallForm() {
+  const view::FormRow row{view::FormText{"Texte"}};
+  return {{{.header = "Textes", .rows = std::vector<view::FormRow>(25, row)}}};
+}
+
 class TestTab final : public view::TabView {
  public:
   TestTab(World& world, std::string name) : world_(world), name_(std::move(name)) {
@@ -40,6 +47,7 @@ class TestTab final : public view::TabView {
     ++world_.bodies;
     const auto sum = std::to_string(world_.first.get() + world_.second.get());
     if (name_ == "c") return view::AboutPanel();
+    if (name_ == "b") return tallForm();
     return view::Form{
         {{.header = name_, .rows = {{view::Toggle{.label = {.title = sum}, .set = [this](bool) {
                                                     world_.first = 7;
@@ -123,6 +131,21 @@ TEST_F(SettingsWindowTest, FollowsItsValuesOncePerTurn) {
   toggle->click();
   ASSERT_TRUE(waitFor([&] { return toggle && !toggle->isChecked(); }));
   EXPECT_EQ(toggle->accessibleName(), "9");
+}
+
+TEST_F(SettingsWindowTest, KeysScrollWhereNothingTakesThem) {
+  auto& window = open();
+  window.selectTab(1);
+  window.findChild<QTabBar*>()->setFocus();
+  QApplication::processEvents();
+  const auto* const bar = window.findChild<FormView*>()->verticalScrollBar();
+  ASSERT_GT(bar->maximum(), 0);
+  std::vector<int> places;
+  for (const auto key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_PageDown, Qt::Key_End, Qt::Key_Home}) {
+    QTest::keyClick(QApplication::focusWidget(), key);
+    places.push_back(bar->value());
+  }
+  EXPECT_THAT(places, ElementsAre(bar->singleStep(), 0, bar->pageStep(), bar->maximum(), 0));
 }
 
 TEST_F(SettingsWindowTest, KeysCloseItAndGiveTheMenusCommands) {

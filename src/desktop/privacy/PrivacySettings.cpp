@@ -44,11 +44,17 @@ view::SettingsScene PrivacySettings::scene() {
                           return std::make_unique<CalendarAccessTab>(
                               ports_.eventStore, ports_.record, [this] { answers_.notify(); });
                         }},
-                   {.label = "Touches", .symbol = "speaker.wave.2.fill", .make = [this] {
-                      const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
-                      return std::make_unique<KeyAccessTab>(ports_.mediaKeys, ports_.custody,
-                                                            indicatorOf(desktops));
-                    }}}};
+                   {.label = "Touches",
+                    .symbol = "speaker.wave.2.fill",
+                    .make =
+                        [this] {
+                          const auto desktops =
+                              qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
+                          return std::make_unique<KeyAccessTab>(ports_.accessibility,
+                                                                ports_.runLoop, ports_.mediaKeys,
+                                                                indicatorOf(desktops));
+                        }}},
+          .hasSelectableTexts = true};
 }
 
 void PrivacySettings::open(std::optional<std::size_t> tab) {

@@ -25,6 +25,8 @@ constexpr int titleGap = 12;
 constexpr int badgeGap = 4;
 
 constexpr TextLabel::Look titleLook{.isWrapped = true};
+constexpr TextLabel::Look codeLook{
+    .fontFactor = formStyle::calloutFactor, .isWrapped = true, .isCode = true};
 constexpr TextLabel::Look valueLook{.prominence = view::Prominence::secondary,
                                     .hasTabularDigits = true};
 constexpr TextLabel::Look endLook{.fontFactor = formStyle::smallFactor,
@@ -120,7 +122,9 @@ class BadgeSymbol final : public QWidget {
 
 class LabeledRowView final : public RowOf<view::LabeledRow> {
  public:
-  LabeledRowView() : title_(titleLook), value_(valueLook), badgeLabel_({}) {
+  explicit LabeledRowView(bool isSelectable)
+      : title_(titleLook), value_(valueLook), badgeLabel_({}) {
+    if (isSelectable) value_.makeSelectable();
     line().addWidget(&title_, 1);
     line().addWidget(&value_);
     line().addWidget(&badge_);
@@ -129,6 +133,10 @@ class LabeledRowView final : public RowOf<view::LabeledRow> {
     parts->setSpacing(badgeGap);
     parts->addWidget(&symbol_);
     parts->addWidget(&badgeLabel_);
+  }
+
+  [[nodiscard]] QWidget* control() const override {
+    return value_.isSelectable() && !value_.isHidden() ? const_cast<TextLabel*>(&value_) : nullptr;
   }
 
  protected:
@@ -206,21 +214,45 @@ class SliderRow final : public RowOf<view::Slider> {
   ValueSlider slider_;
 };
 
-/// A push button with more room around its title than some styles give.
-class RoomyButton final : public QPushButton {
+/// A push button that stands out from its group as the arrows of a stepper do.
+class RowButton final : public QPushButton {
  public:
+  /// How far from its edges it is drawn, to leave room for the ring of the focus.
+  static constexpr int ringGap = 3;
+
+  RowButton() { setAttribute(Qt::WA_Hover); }
   [[nodiscard]] QSize sizeHint() const override {
-    constexpr int sides = 14;
-    constexpr int ends = 5;
-    const QSize text = fontMetrics().size(Qt::TextShowMnemonic, QPushButton::text());
-    return QPushButton::sizeHint().expandedTo(text + QSize(2 * sides, 2 * ends));
+    constexpr int sides = 14 + ringGap;
+    constexpr int ends = 5 + ringGap;
+    const QSize text = fontMetrics().size(Qt::TextSingleLine, accessibleName());
+    return text + QSize(2 * sides, 2 * ends);
   }
   [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor fill = formStyle::controlFill(palette(), underMouse() || isDown());
+    const QColor ink = palette().color(QPalette::WindowText);
+    constexpr double pressedShare = 0.15;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isDown() ? formStyle::mixed(fill, ink, pressedShare) : fill);
+    painter.drawRoundedRect(rect().adjusted(ringGap, ringGap, -ringGap, -ringGap), radius, radius);
+    painter.setPen(ink);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, accessibleName());
+    if (formStyle::showsFocus(*this))
+      formStyle::paintFocusRing(painter, palette(), rect(), radius + ringGap);
+  }
+
+ private:
+  static constexpr double radius = 6;
 };
 
 class ButtonRow final : public RowOf<view::PushButton> {
  public:
   explicit ButtonRow(std::function<void()> didEdit) {
+    setPadding(formStyle::rowPadding - RowButton::ringGap, RowButton::ringGap);
     line().addStretch(1);
     line().addWidget(&button_);
     // So that the enter key presses it too.
@@ -231,7 +263,7 @@ class ButtonRow final : public RowOf<view::PushButton> {
     });
   }
 
-  [[nodiscard]] QWidget* control() const override { return const_cast<RoomyButton*>(&button_); }
+  [[nodiscard]] QWidget* control() const override { return const_cast<RowButton*>(&button_); }
 
  protected:
   void show(const view::PushButton& button) override {
@@ -239,17 +271,25 @@ class ButtonRow final : public RowOf<view::PushButton> {
     const auto title = QString::fromStdString(button.title);
     button_.setAccessibleName(title);
     button_.setText(QString(title).replace('&', "&&"));
+    button_.updateGeometry();
     action_ = button.action;
   }
 
  private:
-  RoomyButton button_;
+  RowButton button_;
   std::function<void()> action_;
 };
 
 class TextRow final : public RowOf<view::FormText> {
  public:
-  TextRow() : text_(titleLook) { line().addWidget(&text_, 1); }
+  TextRow(bool isCode, bool isSelectable) : text_(isCode ? codeLook : titleLook) {
+    if (isCode || isSelectable) text_.makeSelectable();
+    line().addWidget(&text_, 1);
+  }
+
+  [[nodiscard]] QWidget* control() const override {
+    return text_.isSelectable() ? const_cast<TextLabel*>(&text_) : nullptr;
+  }
 
  protected:
   void show(const view::FormText& text) override {
@@ -266,21 +306,21 @@ class TextRow final : public RowOf<view::FormText> {
 FormRowView::FormRowView() = default;
 
 std::unique_ptr<FormRowView> FormRowView::make(const view::FormRow& row,
-                                               std::function<void()> didEdit) {
+                                               const FormContext& context) {
   return std::visit(
-      [&]<class Content>(const Content&) -> std::unique_ptr<FormRowView> {
+      [&]<class Content>(const Content& content) -> std::unique_ptr<FormRowView> {
         if constexpr (std::is_same_v<Content, view::Toggle>)
-          return std::make_unique<ToggleRow>(std::move(didEdit));
+          return std::make_unique<ToggleRow>(context.didEdit);
         else if constexpr (std::is_same_v<Content, view::LabeledRow>)
-          return std::make_unique<LabeledRowView>();
+          return std::make_unique<LabeledRowView>(context.hasSelectableTexts);
         else if constexpr (std::is_same_v<Content, view::Stepper>)
-          return std::make_unique<StepperRow>(std::move(didEdit));
+          return std::make_unique<StepperRow>(context.didEdit);
         else if constexpr (std::is_same_v<Content, view::Slider>)
-          return std::make_unique<SliderRow>(std::move(didEdit));
+          return std::make_unique<SliderRow>(context.didEdit);
         else if constexpr (std::is_same_v<Content, view::PushButton>)
-          return std::make_unique<ButtonRow>(std::move(didEdit));
+          return std::make_unique<ButtonRow>(context.didEdit);
         else
-          return std::make_unique<TextRow>();
+          return std::make_unique<TextRow>(content.isCode, context.hasSelectableTexts);
       },
       row.content);
 }

@@ -9,13 +9,20 @@
 
 namespace valdrix::desktop {
 
+/// What the parts of a form have from their form.
+struct FormContext {
+  /// Called after each action of the user.
+  std::function<void()> didEdit;
+  /// Whether texts can be selected, and not only those that are meant to be copied.
+  bool hasSelectableTexts = false;
+};
+
 /// One row of a form as widgets, of one kind for its life.
 class FormRowView : public QWidget {
  public:
-  /// A row of that content's kind, which has yet to be shown. `didEdit` is called after each action
-  /// of the user.
+  /// A row of that content's kind, which has yet to be shown.
   [[nodiscard]] static std::unique_ptr<FormRowView> make(const view::FormRow& row,
-                                                         std::function<void()> didEdit);
+                                                         const FormContext& context);
 
   /// Shows a row of its kind, touching only what is different.
   virtual void show(const view::FormRow& row) = 0;

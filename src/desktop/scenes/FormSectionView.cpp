@@ -40,15 +40,17 @@ void RowGroup::paintEvent(QPaintEvent*) {
   }
 }
 
-FormSectionView::FormSectionView(std::function<void()> didEdit, QWidget* parent)
+FormSectionView::FormSectionView(FormContext context, QWidget* parent)
     : QWidget(parent),
-      didEdit_(std::move(didEdit)),
+      context_(std::move(context)),
       header_(
           {.fontFactor = formStyle::calloutFactor, .weight = QFont::DemiBold, .isWrapped = true}),
       footer_({.fontFactor = formStyle::smallFactor,
                .prominence = view::Prominence::secondary,
                .isWrapped = true}),
+      link_(context_.didEdit),
       lines_(new QVBoxLayout(&group_)) {
+  if (context_.hasSelectableTexts) footer_.makeSelectable();
   lines_->setContentsMargins(0, 0, 0, 0);
   lines_->setSpacing(0);
   auto* const parts = new QVBoxLayout(this);
@@ -57,6 +59,11 @@ FormSectionView::FormSectionView(std::function<void()> didEdit, QWidget* parent)
   parts->addWidget(&header_);
   parts->addWidget(&group_);
   parts->addWidget(&footer_);
+  auto* const linkLine = new QHBoxLayout;
+  linkLine->setContentsMargins(formStyle::groupInset - LinkButton::ringGap, 0, 0, 0);
+  linkLine->addWidget(&link_);
+  linkLine->addStretch(1);
+  parts->addLayout(linkLine);
   // In line with the rows' titles.
   for (auto* const text : {&header_, &footer_})
     text->setContentsMargins(formStyle::groupInset, 0, formStyle::groupInset, 0);
@@ -67,7 +74,7 @@ FormSectionView::Row FormSectionView::takeOrMake(std::vector<Row>& old, const vi
   const std::size_t kind = row.content.index();
   const auto known = std::ranges::find_if(
       old, [&](const Row& candidate) { return candidate.key == key && candidate.kind == kind; });
-  if (known == old.end()) return {std::move(key), kind, FormRowView::make(row, didEdit_).release()};
+  if (known == old.end()) return {std::move(key), kind, FormRowView::make(row, context_).release()};
   Row taken = *known;
   old.erase(known);
   return taken;
@@ -76,6 +83,8 @@ FormSectionView::Row FormSectionView::takeOrMake(std::vector<Row>& old, const vi
 bool FormSectionView::show(const view::FormSection& section) {
   showIfAny(header_, section.header);
   showIfAny(footer_, section.footer);
+  link_.setVisible(section.link.has_value());
+  if (section.link) link_.show(*section.link);
   group_.setAccessibleName(header_.text());
   group_.setVisible(!section.rows.empty());
 
@@ -106,6 +115,9 @@ std::vector<QWidget*> FormSectionView::controls() const {
   std::vector<QWidget*> controls;
   for (const Row& row : rows_)
     if (auto* const control = row.view->control()) controls.push_back(control);
+  const bool isFooterSelectable = footer_.isSelectable() && !footer_.isHidden();
+  if (isFooterSelectable) controls.push_back(const_cast<TextLabel*>(&footer_));
+  if (!link_.isHidden()) controls.push_back(const_cast<LinkButton*>(&link_));
   return controls;
 }
 

@@ -1,20 +1,19 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include <QWidget>
 
+#include "desktop/scenes/FormRowView.h"
+#include "desktop/scenes/LinkButton.h"
 #include "desktop/scenes/TextLabel.h"
 #include "view/Form.h"
 
 class QVBoxLayout;
 
 namespace valdrix::desktop {
-
-class FormRowView;
 
 /// The rounded group that a section's rows stand in, with hairlines between them.
 class RowGroup final : public QWidget {
@@ -25,10 +24,10 @@ class RowGroup final : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 };
 
-/// A section of a form: its header, its group of rows, its footer.
+/// A section of a form: its header, its group of rows, its footer, its link.
 class FormSectionView final : public QWidget {
  public:
-  explicit FormSectionView(std::function<void()> didEdit, QWidget* parent = nullptr);
+  explicit FormSectionView(FormContext context, QWidget* parent = nullptr);
 
   /// Shows a section, keeping the rows that are still there. True when rows came, went or changed
   /// their places.
@@ -48,10 +47,11 @@ class FormSectionView final : public QWidget {
   [[nodiscard]] Row takeOrMake(std::vector<Row>& old, const view::FormRow& row, std::string key);
   void arrange();
 
-  std::function<void()> didEdit_;
+  FormContext context_;
   TextLabel header_;
   RowGroup group_;
   TextLabel footer_;
+  LinkButton link_;
   QVBoxLayout* lines_;
   std::vector<Row> rows_;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <QPainter>
 #include <QWidget>
 
@@ -55,6 +56,12 @@ QFont font(double factor, QFont::Weight weight) {
   else
     result.setPixelSize(static_cast<int>(std::lround(result.pixelSize() * factor)));
   if (weight != QFont::Normal) result.setWeight(weight);
+  return result;
+}
+
+QFont codeFont(double factor) {
+  QFont result = font(factor);
+  result.setFamilies(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
   return result;
 }
 

@@ -20,6 +20,8 @@ inline constexpr double groupRadius = 10;
 
 /// The application's font, `factor` times as large.
 [[nodiscard]] QFont font(double factor = 1, QFont::Weight weight = QFont::Normal);
+/// The desktop's font of equal widths, `factor` times as large as the application's.
+[[nodiscard]] QFont codeFont(double factor = 1);
 inline constexpr double calloutFactor = 0.92;
 inline constexpr double smallFactor = 0.85;
 

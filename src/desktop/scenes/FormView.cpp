@@ -5,7 +5,11 @@
 #include <utility>
 
 #include <QAccessibleWidget>
+#include <QKeyEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
+#include <QStyleOptionSlider>
 #include <QVBoxLayout>
 
 #include "desktop/scenes/FormSectionView.h"
@@ -20,6 +24,34 @@ namespace {
 constexpr int sectionGap = 20;
 constexpr int smallestMargin = 4;
 
+/// A scroll bar of which only the knob is seen, on whatever lies below.
+class BareScrollBar final : public QScrollBar {
+ public:
+  BareScrollBar() : QScrollBar(Qt::Vertical) {
+    setAttribute(Qt::WA_Hover);
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    constexpr double thickness = 6;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    QRectF knob =
+        style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
+    const double inset = (knob.width() - thickness) / 2;
+    knob.adjust(inset, inset, -inset, -inset);
+    const QColor atRest = formStyle::switchTrack(palette());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isSliderDown() || underMouse()
+                         ? formStyle::mixed(atRest, palette().color(QPalette::WindowText), 0.3)
+                         : atRest);
+    painter.drawRoundedRect(knob, thickness / 2, thickness / 2);
+  }
+};
+
 QAccessibleInterface* accessibleFor(const QString&, QObject* object) {
   if (auto* const slider = dynamic_cast<ValueSlider*>(object))
     return new ValueSliderAccessible(*slider);
@@ -32,12 +64,13 @@ QAccessibleInterface* accessibleFor(const QString&, QObject* object) {
 
 }  // namespace
 
-FormView::FormView(std::function<void()> didEdit, QWidget* parent)
-    : QScrollArea(parent), didEdit_(std::move(didEdit)) {
+FormView::FormView(FormContext context, QWidget* parent)
+    : QScrollArea(parent), context_(std::move(context)) {
   static const bool isInstalled = (QAccessible::installFactory(accessibleFor), true);
   Q_UNUSED(isInstalled);
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
+  setVerticalScrollBar(new BareScrollBar);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   // The controls have the focus; the keys that they don't use scroll.
   setFocusPolicy(Qt::NoFocus);
@@ -71,7 +104,7 @@ bool FormView::update(const view::Form& form) {
   }
   for (std::size_t i = 0; i < form.sections.size(); ++i) {
     if (i == views_.size()) {
-      views_.push_back(new FormSectionView(didEdit_));
+      views_.push_back(new FormSectionView(context_));
       sections_->insertWidget(static_cast<int>(i), views_.back());
       views_.back()->setVisible(true);
     }
@@ -93,6 +126,23 @@ void FormView::orderFocus() {
     if (last) setTabOrder(last, control);
     last = control;
   }
+}
+
+bool FormView::scrollBy(const QKeyEvent& key) {
+  using Action = QAbstractSlider::SliderAction;
+  static constexpr std::pair<Qt::Key, Action> actions[] = {
+      {Qt::Key_Up, Action::SliderSingleStepSub},   {Qt::Key_Down, Action::SliderSingleStepAdd},
+      {Qt::Key_PageUp, Action::SliderPageStepSub}, {Qt::Key_PageDown, Action::SliderPageStepAdd},
+      {Qt::Key_Home, Action::SliderToMinimum},     {Qt::Key_End, Action::SliderToMaximum}};
+  const auto* const action =
+      std::ranges::find(actions, key.key(), &std::pair<Qt::Key, Action>::first);
+  if (action == std::end(actions) || (key.modifiers() & ~Qt::KeypadModifier)) return false;
+  verticalScrollBar()->triggerAction(action->second);
+  return true;
+}
+
+void FormView::keyPressEvent(QKeyEvent* event) {
+  if (!scrollBy(*event)) event->ignore();
 }
 
 void FormView::resizeEvent(QResizeEvent* event) {

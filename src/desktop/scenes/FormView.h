@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
 #include <vector>
 
 #include <QScrollArea>
 
+#include "desktop/scenes/FormRowView.h"
 #include "view/Form.h"
 
 class QVBoxLayout;
@@ -18,14 +18,18 @@ class FormSectionView;
 /// drag outlast it.
 class FormView final : public QScrollArea {
  public:
-  /// `didEdit` is called after each action of the user: the next description, which may be the old
-  /// one, says what the control then shows.
-  explicit FormView(std::function<void()> didEdit, QWidget* parent = nullptr);
+  /// `context.didEdit` is called after each action of the user: the next description, which may be
+  /// the old one, says what the control then shows.
+  explicit FormView(FormContext context, QWidget* parent = nullptr);
 
   /// Shows this from now on; the focus stays where it is, or goes to the nearest control left.
   void show(const view::Form& form);
+  /// Scrolls by the key, if it is one that scrolls a page: arrows up and down, page up and down,
+  /// home and end. Whether it is.
+  bool scrollBy(const QKeyEvent& key);
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
@@ -36,7 +40,7 @@ class FormView final : public QScrollArea {
   void keepGroupsInPlace();
   void orderFocus();
 
-  std::function<void()> didEdit_;
+  FormContext context_;
   QVBoxLayout* sections_;
   std::vector<FormSectionView*> views_;
 };

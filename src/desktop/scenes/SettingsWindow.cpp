@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QShortcut>
@@ -136,23 +137,30 @@ void SettingsWindow::endTab() {
 }
 
 void SettingsWindow::show(const view::TabContent& content) {
+  const auto didEdit = [this] { shown_->content->refreshSoon(); };
   if (const auto* const form = std::get_if<view::Form>(&content)) {
     about_.reset();
-    show(form_, *form);
+    show(form_, *form, FormContext{didEdit, scene_.hasSelectableTexts});
   } else {
     form_.reset();
-    show(about_, std::get<view::AboutPanel>(content));
+    show(about_, std::get<view::AboutPanel>(content), didEdit);
   }
 }
 
-template <class View, class Content>
-void SettingsWindow::show(std::unique_ptr<View>& shown, const Content& content) {
+template <class View, class Content, class Context>
+void SettingsWindow::show(std::unique_ptr<View>& shown, const Content& content,
+                          const Context& context) {
   if (shown) return shown->show(content);
-  shown = std::make_unique<View>([this] { shown_->content->refreshSoon(); });
+  shown = std::make_unique<View>(context);
   place_->layout()->addWidget(shown.get());
   shown->show(content);
   // A layout would show it a turn later.
   shown->setVisible(true);
+}
+
+// The keys that scroll do so also while the tabs have the focus.
+void SettingsWindow::keyPressEvent(QKeyEvent* event) {
+  if (!form_ || !form_->scrollBy(*event)) QWidget::keyPressEvent(event);
 }
 
 // A line between the tabs and what they show.

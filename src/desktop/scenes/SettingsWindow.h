@@ -42,6 +42,7 @@ class SettingsWindow final : public QWidget {
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
@@ -56,8 +57,8 @@ class SettingsWindow final : public QWidget {
   void beginTab();
   void endTab();
   void show(const view::TabContent& content);
-  template <class View, class Content>
-  void show(std::unique_ptr<View>& shown, const Content& content);
+  template <class View, class Content, class Context>
+  void show(std::unique_ptr<View>& shown, const Content& content, const Context& context);
 
   view::SettingsScene scene_;
   std::function<void()> onClosed_;

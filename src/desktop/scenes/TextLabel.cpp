@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include <QEvent>
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPainter>
 
 #include "desktop/scenes/FormStyle.h"
@@ -49,7 +52,30 @@ void TextLabel::setUtf8(const std::string& text) {
 void TextLabel::setProminence(view::Prominence prominence) {
   if (look_.prominence == prominence) return;
   look_.prominence = prominence;
+  followColor();
   update();
+}
+
+bool TextLabel::isSelectable() const {
+  return textInteractionFlags().testFlag(Qt::TextSelectableByKeyboard);
+}
+
+void TextLabel::makeSelectable() {
+  look_.hasTabularDigits = false;
+  setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  setFocusPolicy(Qt::StrongFocus);
+  setCursor(Qt::IBeamCursor);
+  followColor();
+}
+
+// Text that can be selected is painted by the label itself, from its palette.
+void TextLabel::followColor() {
+  if (!isSelectable()) return;
+  const bool isPrimary = look_.prominence == view::Prominence::primary;
+  const QPalette colors = QApplication::palette();
+  QPalette own;
+  if (!isPrimary) own.setColor(QPalette::WindowText, formStyle::dimmedText(colors));
+  setPalette(own);
 }
 
 QColor TextLabel::color() const {
@@ -57,10 +83,14 @@ QColor TextLabel::color() const {
                                                        : formStyle::dimmedText(palette());
 }
 
-void TextLabel::followFont() { setFont(formStyle::font(look_.fontFactor, look_.weight)); }
+void TextLabel::followFont() {
+  setFont(look_.isCode ? formStyle::codeFont(look_.fontFactor)
+                       : formStyle::font(look_.fontFactor, look_.weight));
+}
 
 void TextLabel::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ApplicationFontChange) followFont();
+  if (event->type() == QEvent::ApplicationPaletteChange) followColor();
   QLabel::changeEvent(event);
 }
 
@@ -74,7 +104,30 @@ QSize TextLabel::minimumSizeHint() const {
   return look_.hasTabularDigits ? sizeHint() : QLabel::minimumSizeHint();
 }
 
-void TextLabel::paintEvent(QPaintEvent*) {
+// All of it, so that it can be copied at once; the arrow keys begin a selection of their own.
+void TextLabel::focusInEvent(QFocusEvent* event) {
+  QLabel::focusInEvent(event);
+  const bool isByKey =
+      event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+  if (isSelectable() && isByKey) setSelection(0, static_cast<int>(text().size()));
+}
+
+void TextLabel::contextMenuEvent(QContextMenuEvent* event) {
+  if (!isSelectable()) return QLabel::contextMenuEvent(event);
+  auto* const menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  const QString selected = selectedText();
+  QAction* const copy = menu->addAction(QStringLiteral("Copier"));
+  copy->setEnabled(!selected.isEmpty());
+  connect(copy, &QAction::triggered, this,
+          [selected] { QGuiApplication::clipboard()->setText(selected); });
+  connect(menu->addAction(QStringLiteral("Tout sélectionner")), &QAction::triggered, this,
+          [this] { setSelection(0, static_cast<int>(text().size())); });
+  menu->popup(event->globalPos());
+}
+
+void TextLabel::paintEvent(QPaintEvent* event) {
+  if (isSelectable()) return QLabel::paintEvent(event);
   QPainter painter(this);
   painter.setPen(color());
   if (!look_.hasTabularDigits) {

@@ -19,23 +19,32 @@ class TextLabel : public QLabel {
     /// All digits as wide as the widest, for values that change in place. Never wrapped.
     bool hasTabularDigits = false;
     bool isWrapped = false;
+    /// Letters of equal width.
+    bool isCode = false;
   };
 
   explicit TextLabel(const Look& look, QWidget* parent = nullptr);
 
   void setUtf8(const std::string& text);
   void setProminence(view::Prominence prominence);
+  /// Lets the user select and copy the text, by the pointer and by the keyboard, and take it all
+  /// with the tab key. Digits are as wide as they are then.
+  void makeSelectable();
+  [[nodiscard]] bool isSelectable() const;
 
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
   void changeEvent(QEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   [[nodiscard]] QColor color() const;
 
  private:
   void followFont();
+  void followColor();
 
   Look look_;
 };

@@ -23,6 +23,7 @@ class ValueSlider final : public QSlider {
   [[nodiscard]] const view::Slider& described() const { return slider_; }
 
  protected:
+  void paintEvent(QPaintEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
 
  private:
