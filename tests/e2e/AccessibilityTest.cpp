@@ -1,4 +1,4 @@
-// The settings as a screen reader drives them.
+// The settings and the privacy page as a screen reader drives them.
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -48,6 +48,9 @@ namespace {
 // AtspiRole and AtspiStateType of the AT-SPI protocol.
 constexpr unsigned checkBoxRole = 7;
 constexpr unsigned checkedState = 4;
+// The status of the access to calendars.
+constexpr int denied = 2;
+constexpr int fullAccess = 3;
 
 /// The tree of everything that programs show, as the accessibility bus hands it out.
 class AccessibilityTree {
@@ -116,7 +119,7 @@ class AccessibilityTree {
   Accessible root_{"org.a11y.atspi.Registry", QDBusObjectPath("/org/a11y/atspi/accessible/root")};
 };
 
-TEST(Accessibility, TheIndicatorIsSwitchedOffInTheSettings) {
+TEST(Accessibility, SettingsAndPermissionsAreChanged) {
   PrivateBus bus("/usr/share/dbus-1/services");
   ASSERT_TRUE(bus.start());
   qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
@@ -145,6 +148,17 @@ TEST(Accessibility, TheIndicatorIsSwitchedOffInTheSettings) {
   EXPECT_TRUE(waitFor(holdsKey));
   desktop.keys.tap(key::volumeUp);
   EXPECT_TRUE(desktop.awaitPresentation("volumeHUD"));
+
+  ASSERT_EQ(desktop.command({"permissions", "calendriers"}).exitCode, 0);
+  ASSERT_TRUE(waitFor([&] {
+    control = tree.find("Lire mes calendriers", checkBoxRole);
+    return control.has_value();
+  }));
+  for (const int status : {fullAccess, denied}) {
+    EXPECT_TRUE(tree.act(*control));
+    EXPECT_TRUE(waitFor(
+        [&] { return desktop.status()["calendar"].toObject()["authStatus"].toInt() == status; }));
+  }
   qunsetenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON");
 }
 

@@ -89,6 +89,7 @@ TEST(Commands, WordsAreUnderstoodOrRefusedInFrench) {
                                    {"simulate", "file", "--scale", "0"},
                                    {"settings", "colours"},
                                    {"settings", "huds", "apropos"},
+                                   {"permissions", "huds"},
                                    {"key"},
                                    {"key", "play"},
                                    {"key", "mute", "--loud"},
