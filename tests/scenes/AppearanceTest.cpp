@@ -9,6 +9,7 @@
 
 #include "desktop/scenes/Appearance.h"
 #include "desktop/scenes/FormStyle.h"
+#include "desktop/scenes/TextLabel.h"
 #include "desktop/session/QtRunLoop.h"
 #include "tests/session/PrivateBus.h"
 #include "tests/support/WaitFor.h"
@@ -68,6 +69,10 @@ TEST(Appearance, FollowsAPortalThatComesAndGoes) {
   SessionBus session(runLoop);
   Appearance appearance(session);
   EXPECT_FALSE(isDark());
+  QWidget window;
+  TextLabel text({.prominence = view::Prominence::secondary}, &window);
+  text.makeSelectable();
+  window.show();
   {
     Portal portal(1);
     EXPECT_TRUE(becomesDark());
@@ -82,6 +87,9 @@ TEST(Appearance, FollowsAPortalThatComesAndGoes) {
   EXPECT_TRUE(isDark());
   next.change(2);
   EXPECT_TRUE(becomesLight()) << "what the portal says counts first";
+  EXPECT_GE(formStyle::contrast(text.palette().color(QPalette::WindowText),
+                                window.palette().color(QPalette::Window)),
+            formStyle::textContrast);
 }
 
 TEST(Appearance, DarkThemesAreKnownByTheirNames) {

@@ -5,6 +5,7 @@
 #include <malloc.h>
 #include <utility>
 
+#include <QPixmapCache>
 #include <QStringList>
 
 #include "desktop/privacy/CalendarAccessTab.h"
@@ -74,6 +75,7 @@ void PrivacySettings::windowDidClose() {
         if (!window_ || window_->isVisible()) return;
         lastTab_ = window_->tab();
         window_.reset();
+        QPixmapCache::clear();
         ::malloc_trim(0);
       },
       Qt::QueuedConnection);

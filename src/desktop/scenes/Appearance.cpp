@@ -27,14 +27,22 @@ const Colors& darkColors() {
   return colors;
 }
 
+/// Whether Qt has the colours from the desktop, and not from its own style or the stand-in that it
+/// takes in a KDE session whose settings name none.
+bool isDesktops(const QPalette& palette) {
+  constexpr QRgb kdeStandIn = 0xFFD6D2D0;
+  return palette != QApplication::style()->standardPalette() &&
+         palette.color(QPalette::Window).rgb() != kdeStandIn;
+}
+
 /// A wish that the desktop's palette does not fulfil is fulfilled by ours, unless the user chose
 /// who gives Qt its colours.
-bool isOursNeeded(const QPalette& desktops, ColorScheme wanted) {
-  const bool isThemed = desktops != QApplication::style()->standardPalette();
+bool isOursNeeded(const QPalette& palette, ColorScheme wanted) {
+  const bool isKnown = isDesktops(palette);
+  if (isKnown && qEnvironmentVariableIsSet("QT_QPA_PLATFORMTHEME")) return false;
+  if (!isKnown && QApplication::style()->name() == QLatin1String("fusion")) return true;
   const bool isDarkWanted = wanted == ColorScheme::dark;
-  if (!isThemed && QApplication::style()->name() == QLatin1String("fusion")) return true;
-  if (isThemed && qEnvironmentVariableIsSet("QT_QPA_PLATFORMTHEME")) return false;
-  return wanted != ColorScheme::noPreference && formStyle::isDark(desktops) != isDarkWanted;
+  return wanted != ColorScheme::noPreference && formStyle::isDark(palette) != isDarkWanted;
 }
 
 }  // namespace

@@ -90,7 +90,7 @@ void TextLabel::followFont() {
 
 void TextLabel::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ApplicationFontChange) followFont();
-  if (event->type() == QEvent::ApplicationPaletteChange) followColor();
+  if (event->type() == QEvent::PaletteChange) followColor();
   QLabel::changeEvent(event);
 }
 
