@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -22,7 +23,10 @@ void AccessDialog::ask(std::function<void(Answer)> onAnswer) {
 void AccessDialog::show() {
   box_ = std::make_unique<QMessageBox>();
   box_->setWindowTitle("valdrix");
-  box_->setIcon(QMessageBox::Question);
+  constexpr int iconSize = 64;
+  const auto icon = QIcon::fromTheme("valdrix");
+  box_->setWindowIcon(icon);
+  box_->setIconPixmap(icon.pixmap(iconSize));
   box_->setTextFormat(Qt::PlainText);
   box_->setText("Autoriser valdrix à lire tes calendriers\u00A0?");
   box_->setInformativeText(

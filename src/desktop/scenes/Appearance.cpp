@@ -45,6 +45,15 @@ bool isOursNeeded(const QPalette& palette, ColorScheme wanted) {
   return wanted != ColorScheme::noPreference && formStyle::isDark(palette) != isDarkWanted;
 }
 
+/// A menu's, which lies on anything, the black panel among it: lighter than a window, with an edge.
+QPalette menuPalette(QPalette palette) {
+  const QColor text = palette.color(QPalette::WindowText);
+  const QColor window = palette.color(QPalette::Window);
+  palette.setColor(QPalette::Base, formStyle::mixed(window, text, 0.06));
+  palette.setColor(QPalette::Window, formStyle::mixed(window, text, 0.28));
+  return palette;
+}
+
 }  // namespace
 
 ColorScheme colorSchemeOfTheme(std::string_view name) {
@@ -93,6 +102,8 @@ void Appearance::apply() {
   QApplication::setPalette(QPalette());
   if (isOursNeeded(QApplication::palette(), wanted))
     QApplication::setPalette(ownPalette(wanted == ColorScheme::dark));
+  const QPalette shown = QApplication::palette();
+  QApplication::setPalette(formStyle::isDark(shown) ? menuPalette(shown) : shown, "QMenu");
 }
 
 }  // namespace valdrix::desktop

@@ -5,13 +5,41 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOptionMenuItem>
 
 namespace valdrix::desktop {
 
 namespace {
 
+/// Draws the lines between commands so that they can be seen on dark menus, too.
+class MenuStyle final : public QProxyStyle {
+ public:
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    const auto* const item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element != CE_MenuItem || !item || item->menuItemType != QStyleOptionMenuItem::Separator)
+      return QProxyStyle::drawControl(element, option, painter, widget);
+    constexpr int inset = 8;
+    constexpr float share = 0.15F;
+    QColor line = option->palette.color(QPalette::Text);
+    line.setAlphaF(share);
+    painter->fillRect(QRect(option->rect.left() + inset, option->rect.center().y(),
+                            option->rect.width() - 2 * inset, 1),
+                      line);
+  }
+};
+
 /// A menu without a window of its program: nobody else would see to its shortcuts.
 class LoneMenu final : public QMenu {
+ public:
+  LoneMenu() {
+    auto* const style = new MenuStyle;
+    style->setParent(this);
+    setStyle(style);
+  }
+
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     const QKeySequence pressed(event->keyCombination());
