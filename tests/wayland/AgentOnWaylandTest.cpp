@@ -126,6 +126,9 @@ TEST_F(AgentOnWayland, OpensTheEventThatIsClickedAndTheSettingsAtARightClick) {
   client->setButton(BTN_RIGHT, true);
   client->setButton(BTN_RIGHT, false);
   EXPECT_TRUE(waitFor([&] { return pixel(inTheMiddle) != desktop; })) << "no settings";
+  QFile libraries(QStringLiteral("/proc/%1/maps").arg(agent->pid()));
+  ASSERT_TRUE(libraries.open(QIODevice::ReadOnly));
+  EXPECT_FALSE(libraries.readAll().contains("libEGL_")) << "a driver draws the window";
 }
 
 TEST_F(AgentOnWayland, TakesTheKeysThatTheCompositorBinds) {
