@@ -51,8 +51,7 @@ view::SettingsScene PrivacySettings::scene() {
                         [this] {
                           const auto desktops =
                               qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':');
-                          return std::make_unique<KeyAccessTab>(ports_.accessibility,
-                                                                ports_.runLoop, ports_.mediaKeys,
+                          return std::make_unique<KeyAccessTab>(ports_.mediaKeys, ports_.custody,
                                                                 indicatorOf(desktops));
                         }}},
           .hasSelectableTexts = true};
