@@ -94,7 +94,8 @@ void WaylandConnection::answerPings() {
 
 bool WaylandConnection::needsPlasmaShell() const {
   return windowShell_ && plasmaShell_ &&
-         zwlr_layer_shell_v1_get_version(layerShell()) < layerShellVersion;
+         zwlr_layer_shell_v1_get_version(layerShell()) <
+             ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND_SINCE_VERSION;
 }
 
 Token WaylandConnection::observeGlobals(std::function<void(const WaylandGlobal&)> added,

@@ -62,9 +62,9 @@ class WaylandConnection {
   [[nodiscard]] wl_compositor* compositor() const { return compositor_.get(); }
   [[nodiscard]] wl_shm* shm() const { return shm_.get(); }
   [[nodiscard]] zwlr_layer_shell_v1* layerShell() const { return layerShell_.get(); }
-  /// Whether the compositor gives layer surfaces the keyboard at a click, whatever they ask for,
-  /// and has a Plasma shell, whose surfaces never get it. That is KWin while its layer shell is
-  /// older than version 4; in Plasma 5.27 it is of version 3.
+  /// Whether the compositor gives a layer surface the keyboard at a click, whatever that asks for,
+  /// and has a Plasma shell, whose surfaces need not get it: KWin, as long as its layer shell is
+  /// older than version 4, which knows of a keyboard on demand. In Plasma 5.27 it is of version 3.
   [[nodiscard]] bool needsPlasmaShell() const;
   /// The following may be missing.
   [[nodiscard]] xdg_wm_base* windowShell() const { return windowShell_.get(); }
