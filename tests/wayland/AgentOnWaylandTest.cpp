@@ -32,7 +32,7 @@ constexpr auto sink = "output";
 
 class AgentOnWayland : public testing::Test {
  protected:
-  AgentOnWayland() {
+  explicit AgentOnWayland(const std::string& settings = {}) : compositor(nullptr, settings) {
     EXPECT_TRUE(bus.start());
     sysfs.addBacklight("panel", "raw", "", 960);
     sysfs.setBrightness("panel", 480);
@@ -44,7 +44,7 @@ class AgentOnWayland : public testing::Test {
     agent = std::make_unique<ChildProcess>(VALDRIX_PROGRAM, QStringList{}, environment());
     ASSERT_TRUE(waitFor([&] { return pixel(inNotch.toPoint()) == Qt::black; }));
   }
-  [[nodiscard]] QProcessEnvironment environment() const {
+  [[nodiscard]] virtual QProcessEnvironment environment() const {
     auto variables = QProcessEnvironment::systemEnvironment();
     for (const auto* name : {"DISPLAY", "QT_QPA_PLATFORM"}) variables.remove(name);
     home.enter(variables);
@@ -153,6 +153,47 @@ TEST_F(AgentOnWayland, ComesBackWithItsCompositor) {
   EXPECT_EQ(agent->pid(), pid);
   EXPECT_EQ(command({"quit"}).exitCode, 0);
   EXPECT_TRUE(agent->process().waitForFinished());
+}
+
+/// The same through the compositor's X server, as where it has no layer shell.
+class AgentOnXwayland : public AgentOnWayland {
+ protected:
+  // The X server lets in only the user whom it runs as, unless it is told otherwise.
+  AgentOnXwayland()
+      : AgentOnWayland(
+            "xwayland enable\n"
+            "exec xhost +local: && printenv DISPLAY >$XDG_RUNTIME_DIR/x.new && "
+            "mv $XDG_RUNTIME_DIR/x.new $XDG_RUNTIME_DIR/x\n") {}
+  [[nodiscard]] QProcessEnvironment environment() const override {
+    auto variables = AgentOnWayland::environment();
+    QFile display(QString::fromStdString(compositor.folder()) + "/x");
+    EXPECT_TRUE(waitFor([&] { return display.open(QIODevice::ReadOnly); }));
+    variables.insert("DISPLAY", QString::fromLatin1(display.readAll().trimmed()));
+    variables.insert("QT_QPA_PLATFORM", "xcb");
+    return variables;
+  }
+  [[nodiscard]] bool clickReachesDesktop(QPointF at) {
+    const int before = client->presses();
+    client->movePointer(at);
+    client->setButton(BTN_LEFT, true);
+    client->setButton(BTN_LEFT, false);
+    return client->presses() > before;
+  }
+};
+
+TEST_F(AgentOnXwayland, TakesThePointerOnlyWhereItShowsSomething) {
+  start();
+  EXPECT_TRUE(status()["backends"].toObject()["windowSystem"].toString().startsWith("x11"));
+  for (int round = 0; round < 2; ++round) {
+    // All of them within the place that the panel has for itself.
+    for (const QPointF beside : {QPointF(750, 600), {640, 16}, {860, 16}, {750, 45}})
+      EXPECT_TRUE(waitFor([&] { return clickReachesDesktop(beside); }))
+          << beside.x() << ',' << beside.y();
+    EXPECT_FALSE(clickReachesDesktop(inNotch));
+    EXPECT_TRUE(awaitPresentation("expanded"));
+    client->movePointer(farAway);
+    EXPECT_TRUE(awaitPresentation("collapsed"));
+  }
 }
 
 }  // namespace
