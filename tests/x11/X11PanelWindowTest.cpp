@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <xcb/composite.h>
 #include <xcb/shape.h>
 #include <xcb/xfixes.h>
 
@@ -7,6 +8,7 @@
 #include "tests/support/WaitFor.h"
 #include "tests/x11/TestPanel.h"
 #include "tests/x11/X11DeskWorld.h"
+#include "view/Transaction.h"
 
 namespace valdrix::tests {
 namespace {
@@ -24,6 +26,12 @@ class X11PanelWindowTest : public testing::Test {
   desktop::X11PanelWindow& window() {
     return dynamic_cast<desktop::X11PanelWindow&>(*panel->window);
   }
+  QRect place() {
+    auto* connection = display().connection();
+    const auto geometry = desktop::xcbOwned(xcb_get_geometry_reply(
+        connection, xcb_get_geometry(connection, window().surface().window()), nullptr));
+    return {geometry->x, geometry->y, geometry->width, geometry->height};
+  }
   QString pixel(double dx, double down) {
     return display().screenshot().pixelColor(world->toDevice(panel->at(dx, down))).name();
   }
@@ -39,13 +47,10 @@ class X11PanelWindowTest : public testing::Test {
 
 TEST_F(X11PanelWindowTest, LiesExactlyWhereItWasPutAndReachesBeyondTheScreen) {
   start(Company::windowManager);
-  auto* connection = display().connection();
-  const auto geometry = desktop::xcbOwned(xcb_get_geometry_reply(
-      connection, xcb_get_geometry(connection, window().surface().window()), nullptr));
   const auto screen = desktop::ScreenLayout::current().entries.front();
   const QRect expected((screen.device.width() - qRound(600 * screen.scale)) / 2, 0,
                        qRound(600 * screen.scale), qRound(1000 * screen.scale));
-  EXPECT_EQ(QRect(geometry->x, geometry->y, geometry->width, geometry->height), expected);
+  EXPECT_EQ(place(), expected);
   EXPECT_GT(expected.height(), screen.device.height());
   EXPECT_EQ(window().surface().frame(), expected);
 }
@@ -89,6 +94,62 @@ TEST_F(X11PanelWindowTest, IsCutOutWhereNothingCompositesAndFollowsWhatItShows) 
   EXPECT_TRUE(shows(0, 48, desktops));
   EXPECT_EQ(pixel(0, 28), desktops);
   EXPECT_EQ(pixel(0, 16), panels);
+}
+
+// Compositors that show an X server's windows may take the whole window, whatever it leaves to
+// those below.
+TEST_F(X11PanelWindowTest, IsAsLargeAsWhatItShowsWhereSomethingComposites) {
+  start(Company::compositor);
+  const auto box = [&](int height) {
+    // The pixels of its right and lower edges take the pointer, too.
+    return QRect(world->toDevice(panel->at(-50, 0)), QSize(101, height + 1));
+  };
+  EXPECT_TRUE(waitFor([&] { return place() == box(32); }));
+  view::withAnimation(view::Spring{.response = 0.2, .dampingFraction = 0.5},
+                      [&] { panel->height = 300.0; });
+  panel->track({100, 300});
+  EXPECT_TRUE(place().contains(box(350))) << "at once for the whole way";
+  EXPECT_TRUE(waitFor([&] { return place() == box(300); }));
+  EXPECT_EQ(pixel(0, 299), panels);
+  EXPECT_EQ(pixel(0, 301), desktops);
+  panel->height = 32.0;
+  panel->track({100, 32});
+  EXPECT_TRUE(waitFor([&] { return place() == box(32); }));
+  EXPECT_TRUE(shows(0, 48, desktops));
+  EXPECT_EQ(pixel(0, 16), panels);
+}
+
+// Some compositing managers have a bar of their own, and take the pointer there from all windows.
+TEST_F(X11PanelWindowTest, HearsOfThePointerOverACompositorsOwnBar) {
+  start(Company::compositor);
+  auto* connection = display().connection();
+  const auto overlay = desktop::xcbOwned(xcb_composite_get_overlay_window_reply(
+      connection, xcb_composite_get_overlay_window(connection, display().root()), nullptr));
+  ASSERT_TRUE(overlay);
+  const xcb_rectangle_t bar{0, 0, static_cast<std::uint16_t>(display().size().width()), 40};
+  xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                       overlay->overlay_win, 0, 0, 1, &bar);
+  (void)display().pointer();
+  panel->window->orderOut();
+  panel->show();
+  int moves = 0;
+  const auto count = [&] { ++moves; };
+  const auto global = world->pointer().addGlobalMonitorForEventsMatchingMask(1U << 5, count);
+  world->move(panel->at(0, 16));
+  EXPECT_EQ(std::exchange(moves, 0), 1);
+  world->move(panel->at(5, 16));
+  EXPECT_EQ(std::exchange(moves, 0), 1);
+  world->move(panel->at(0, 200));
+  EXPECT_EQ(std::exchange(moves, 0), 1) << "the way out";
+  int events = 0;
+  const auto token =
+      world->desktop().connection.addEventHandler([&](const xcb_generic_event_t&) { ++events; });
+  for (int i = 0; i < 20; ++i) world->move(panel->at(i, 300));
+  EXPECT_EQ(events, 0) << "elsewhere";
+  xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+                       overlay->overlay_win, 0, 0, 0, nullptr);
+  xcb_composite_release_overlay_window(connection, display().root());
+  (void)display().pointer();
 }
 
 TEST_F(X11PanelWindowTest, FollowsACompositorThatStartsAndEnds) {

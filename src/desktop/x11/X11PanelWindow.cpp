@@ -148,12 +148,14 @@ void X11PanelWindow::applyTrackedRectangle() {
 
 void X11PanelWindow::drawFrame() {
   const QRegion area = painter_.prepareFrame(1 / screen_.refreshRate);
-  if (area.isEmpty()) return;
-  painter_.paint(surface_.picture(), area);
-  ++framesDrawn_;
-  ++services_.framesDrawn;
+  if (!area.isEmpty()) {
+    painter_.paint(surface_.picture(), area);
+    ++framesDrawn_;
+    ++services_.framesDrawn;
+  }
+  // The last frame of an animation may look like the one before.
   makeRoom();
-  surface_.present(area);
+  if (!area.isEmpty()) surface_.present(area);
 }
 
 // What the window must cover once nothing moves.
@@ -163,7 +165,10 @@ QRect X11PanelWindow::target() const {
 
 void X11PanelWindow::makeRoom() {
   const QRect painted = painter_.painted();
-  if (surface_.follow(painted, target())) inputRegion_.apply();
+  if (surface_.follow(painted, target())) {
+    inputRegion_.apply();
+    services_.connection.flush();
+  }
   const bool isMoving = content_ && content_->needsFrame();
   if (isMoving || surface_.fits(painted, target()))
     restTimer_.stop();
@@ -172,7 +177,9 @@ void X11PanelWindow::makeRoom() {
 }
 
 void X11PanelWindow::giveRoomBack() {
-  if (surface_.settle(painter_.painted(), target())) inputRegion_.apply();
+  if (!surface_.settle(painter_.painted(), target())) return;
+  inputRegion_.apply();
+  services_.connection.flush();
 }
 
 void X11PanelWindow::handle(const xcb_generic_event_t& event) {
