@@ -78,7 +78,8 @@ std::optional<X11Pointer::Place> X11Pointer::query() const {
 bool X11Pointer::hasLeftServer(QPoint position) {
   exit_ = position;
   const auto place = query();
-  return place && place->position == nowhere;
+  if (!place) exit_.reset();
+  return exit_.has_value();
 }
 
 void X11Pointer::report(Destination destination, std::uint16_t state) {
