@@ -41,9 +41,9 @@ double contrast(const QColor& a, const QColor& b) {
 }
 
 QColor distinct(const QColor& color, const QColor& ground, double least, const QColor& towards) {
-  constexpr double step = 0.05;
-  for (double share = 0; share < 1; share += step) {
-    const QColor tried = mixed(color, towards, share);
+  constexpr int steps = 20;
+  for (int i = 0; i < steps; ++i) {
+    const QColor tried = mixed(color, towards, static_cast<double>(i) / steps);
     if (contrast(tried, ground) >= least) return tried;
   }
   return towards;

@@ -11,7 +11,7 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr int ringGap = 3;
+constexpr int ringRoom = 3;
 constexpr int padding = 14;
 constexpr int bodyHeight = 30;
 constexpr int symbolSize = 16;
@@ -36,7 +36,7 @@ void ProminentPushButton::setLabel(const std::string& symbol, const std::string&
 QSize ProminentPushButton::sizeHint() const {
   const int text = fontMetrics().horizontalAdvance(accessibleName());
   const int body = std::max(bodyHeight, fontMetrics().height() + 2 * symbolGap);
-  return {text + symbolSize + symbolGap + 2 * (padding + ringGap), body + 2 * ringGap};
+  return {text + symbolSize + symbolGap + 2 * (padding + ringRoom), body + 2 * ringRoom};
 }
 
 void ProminentPushButton::paintEvent(QPaintEvent*) {
@@ -46,7 +46,7 @@ void ProminentPushButton::paintEvent(QPaintEvent*) {
   const QColor ink = palette().color(QPalette::HighlightedText);
   constexpr int pressedFactor = 118;
   constexpr int hoveredFactor = 108;
-  const QRectF body = QRectF(rect()).adjusted(ringGap, ringGap, -ringGap, -ringGap);
+  const QRectF body = QRectF(rect()).adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
   painter.setPen(Qt::NoPen);
   painter.setBrush(isDown()       ? accent.darker(pressedFactor)
                    : underMouse() ? accent.lighter(hoveredFactor)
@@ -60,7 +60,7 @@ void ProminentPushButton::paintEvent(QPaintEvent*) {
   painter.drawText(body.adjusted(left - body.left() + symbolSize + symbolGap, 0, 0, 0),
                    Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, accessibleName());
   if (formStyle::showsFocus(*this))
-    formStyle::paintFocusRing(painter, palette(), rect(), radius + ringGap);
+    formStyle::paintFocusRing(painter, palette(), rect(), radius + ringRoom);
 }
 
 }  // namespace valdrix::desktop
