@@ -24,7 +24,7 @@ namespace {
 constexpr int arrowsWidth = 18;
 constexpr int arrowsHeight = 26;
 constexpr int ringGap = Stepper::ringGap;
-constexpr int textGap = 8;
+constexpr int fieldGap = 8;
 constexpr double arrowsRadius = 6;
 
 /// Where the arrows are: one above the other at the trailing edge.
@@ -47,7 +47,7 @@ class ArrowPlaces final : public QProxyStyle {
       case SC_SpinBoxDown:
         return both.adjusted(0, arrowsHeight / 2, 0, 0);
       case SC_SpinBoxEditField:
-        return option->rect.adjusted(0, 0, -arrowsWidth - ringGap - textGap, 0);
+        return option->rect.adjusted(0, 0, -arrowsWidth - ringGap - fieldGap, 0);
       default:
         return option->rect;
     }

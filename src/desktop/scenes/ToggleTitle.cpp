@@ -11,7 +11,7 @@ namespace valdrix::desktop {
 namespace {
 
 constexpr int dotSize = 10;
-constexpr int gap = 8;
+constexpr int partGap = 8;
 
 /// The detail in its own font and colour, as far from the title as the gap.
 QList<QTextLayout::FormatRange> formats(const QString& title, const QString& detail,
@@ -21,7 +21,7 @@ QList<QTextLayout::FormatRange> formats(const QString& title, const QString& det
   detailFormat.setFont(font);
   detailFormat.setForeground(formStyle::dimmedText(palette));
   QFont spacing = font;
-  spacing.setWordSpacing(gap - QFontMetricsF(font).horizontalAdvance(u' '));
+  spacing.setWordSpacing(partGap - QFontMetricsF(font).horizontalAdvance(u' '));
   QTextCharFormat gapFormat;
   gapFormat.setFont(spacing);
   const int length = static_cast<int>(title.size());
@@ -37,7 +37,7 @@ ToggleTitle::ToggleTitle(QWidget* parent) : TextLabel({.isWrapped = true}, paren
 void ToggleTitle::setLabel(const view::ToggleLabel& label) {
   if (label == label_ && !text().isEmpty()) return;
   label_ = label;
-  setContentsMargins(label.dot ? dotSize + gap : 0, 0, 0, 0);
+  setContentsMargins(label.dot ? dotSize + partGap : 0, 0, 0, 0);
   setUtf8(label.detail ? label.title + " " + *label.detail : label.title);
   update();
 }
