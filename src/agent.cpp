@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "commands/CommandLine.h"
+#include "commands/RestoreKeysCommand.h"
 #include "commands/RunCommand.h"
 #include "commands/SimulateCommand.h"
 
@@ -21,6 +22,7 @@ struct Execute {
   int operator()(const Run&) const { return runAgent({}, argc, argv); }
   int operator()(const OpenSettings& command) const { return runAgent(command, argc, argv); }
   int operator()(const OpenPermissions& command) const { return runAgent(command, argc, argv); }
+  int operator()(const RestoreKeys&) const { return restoreKeysAlone(argc, argv); }
   int operator()(const Simulate& command) const { return simulateScenario(command, argc, argv); }
   template <class Other>
   int operator()(const Other&) const {

@@ -23,6 +23,11 @@ struct Execute {
   int operator()(const OpenPermissions&) const { return becomeAgent(argv); }
   int operator()(const Simulate&) const { return becomeAgent(argv); }
   int operator()(const PressKey& command) const { return pressKey(command, argc, argv); }
+  int operator()(const EntrustKeys&) const { return entrustKeys(argc, argv); }
+  int operator()(const RestoreKeys&) const {
+    const auto result = restoreKeys(argc, argv);
+    return result ? *result : becomeAgent(argv);
+  }
   int operator()(const ShowLevel& command) const { return showLevel(command, argc, argv); }
   int operator()(const DescribeHousings&) const { return describeHousings(argc, argv); }
   int operator()(const PreviewHousing& command) const {

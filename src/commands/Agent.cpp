@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 
 #include "commands/CalendarAccess.h"
+#include "commands/CustodyReport.h"
 #include "commands/Failure.h"
 #include "commands/HousingReport.h"
 #include "commands/PressMediaKey.h"
@@ -93,6 +94,17 @@ desktop::AgentObject::Handlers Agent::handlers() {
           [this] {
             if (platform_) platform_->housings().setPreview(std::nullopt);
           },
+      .entrustKeys = whenStarted([this](AppDelegate&) -> AgentAnswer {
+        platform_->keyCustody().entrust();
+        return {!platform_->keyCustody().state().places.empty(),
+                "Ce bureau n'a pas de réglages que valdrix sache changer."};
+      }),
+      .restoreKeys = whenStarted([this](AppDelegate&) -> AgentAnswer {
+        platform_->keyCustody().restore();
+        return {true, {}};
+      }),
+      .describeCustody = whenStarted(
+          [this](AppDelegate&) { return custodyReport(platform_->keyCustody().state()); }),
       .quit =
           [] {
             QCoreApplication::exit(0);
@@ -114,12 +126,20 @@ void Agent::openWindow(const desktop::SettingsRequest& request) {
   });
 }
 
+bool Agent::followsQuickly() {
+  // Keyboards wait half a second before they repeat.
+  constexpr double longestGap = 0.65;
+  const double now = runLoop_.now();
+  return now - std::exchange(lastDebounced_, now) < longestGap;
+}
+
 AgentAnswer Agent::pressKey(const desktop::AgentObject::KeyPress& press) {
   const auto key = platform::mediaKeyWithCode(press.code);
   if (!key) return {false, "Touche inconnue."};
   auto& app = app_->appDelegate();
+  const bool isRepeat = press.isRepeat || (press.isDebounced && followsQuickly());
   if (pressMediaKey(app.mediaKeyMonitor(),
-                    {.key = *key, .isFine = press.isFine, .isRepeat = press.isRepeat}))
+                    {.key = *key, .isFine = press.isFine, .isRepeat = isRepeat}))
     return {true, {}};
   return {false, platform::isBrightnessKey(*key) && !app.canHandleBrightnessKeys()
                      ? "La luminosité de cet écran ne peut pas être réglée."

@@ -30,8 +30,12 @@ class Agent {
   template <class F>
   [[nodiscard]] auto whenStarted(F answer);
   void openWindow(const desktop::SettingsRequest& request);
+  /// Whether the last debounced key came so shortly before this one that it is being held.
+  [[nodiscard]] bool followsQuickly();
   [[nodiscard]] desktop::AgentAnswer pressKey(const desktop::AgentObject::KeyPress& press);
 
+  /// When a debounced key came last, on the run loop's clock.
+  double lastDebounced_ = -1e9;
   desktop::QtRunLoop runLoop_;
   desktop::SessionBus bus_{runLoop_};
   std::unique_ptr<desktop::DesktopPlatform> platform_;

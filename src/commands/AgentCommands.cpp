@@ -1,9 +1,11 @@
 #include "commands/AgentCommands.h"
 
+#include <chrono>
 #include <cstdio>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include <QCoreApplication>
 
@@ -31,6 +33,18 @@ int print(const desktop::AgentAnswer& answer) {
   return answer.isDone ? 0 : 1;
 }
 
+/// Prints what has become of what was asked for.
+int followCustody(desktop::AgentClient& agent, const desktop::AgentAnswer& begun) {
+  using namespace std::chrono_literals;
+  if (!begun.isDone) return print(begun);
+  for (const auto end = std::chrono::steady_clock::now() + 10s;
+       std::chrono::steady_clock::now() < end; std::this_thread::sleep_for(50ms)) {
+    const auto answer = agent.describeCustody();
+    if (!answer.isDone || !answer.text.empty()) return print(answer);
+  }
+  return print({false, "Le bureau met du temps à répondre : valdrix continue."});
+}
+
 /// The next size that the user wants to see; none when they are done.
 std::optional<view::Size> askForSize() {
   std::string line;
@@ -53,8 +67,20 @@ int requestCalendarAccess(int& argc, char** argv) {
 
 int pressKey(const PressKey& command, int& argc, char** argv) {
   const auto& [key, isFine, isRepeat] = command.action;
-  return print(
-      Connection(argc, argv).agent.pressKey({static_cast<std::uint32_t>(key), isFine, isRepeat}));
+  return print(Connection(argc, argv)
+                   .agent.pressKey(
+                       {static_cast<std::uint32_t>(key), isFine, isRepeat, command.isDebounced}));
+}
+
+int entrustKeys(int& argc, char** argv) {
+  Connection connection(argc, argv);
+  return followCustody(connection.agent, connection.agent.entrustKeys());
+}
+
+std::optional<int> restoreKeys(int& argc, char** argv) {
+  Connection connection(argc, argv);
+  if (!connection.agent.isAgentThere()) return std::nullopt;
+  return followCustody(connection.agent, connection.agent.restoreKeys());
 }
 
 int showLevel(const ShowLevel& command, int& argc, char** argv) {

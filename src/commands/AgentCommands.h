@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "commands/CommandLine.h"
 
 namespace valdrix::commands {
@@ -9,6 +11,10 @@ namespace valdrix::commands {
 int printStatus(int& argc, char** argv);
 int requestCalendarAccess(int& argc, char** argv);
 int pressKey(const PressKey& command, int& argc, char** argv);
+/// Waits until the desktop has done it, for ten seconds at most.
+int entrustKeys(int& argc, char** argv);
+/// Likewise. None: no agent runs that could be asked.
+std::optional<int> restoreKeys(int& argc, char** argv);
 int showLevel(const ShowLevel& command, int& argc, char** argv);
 int describeHousings(int& argc, char** argv);
 /// Lasts until the user is done looking: an empty line, the end of the input or an interrupt. A

@@ -75,10 +75,20 @@ Command parseKey(Words words) {
       command.action.isFine = true;
     else if (word == "--repeat")
       command.action.isRepeat = true;
+    else if (word == "--debounce")
+      command.isDebounced = true;
     else
       return unexpected(word);
   }
   return command;
+}
+
+Command parseKeys(Words words) {
+  if (words.empty()) return Misuse{"il manque ce qu'il faut faire des touches"};
+  if (words.size() > 1) return unexpected(words[1]);
+  if (words[0] == "entrust") return EntrustKeys{};
+  if (words[0] == "restore") return RestoreKeys{};
+  return Misuse{"action inconnue : " + words[0]};
 }
 
 Command parseShow(Words words) {
@@ -126,6 +136,7 @@ constexpr Named<Command (*)(Words)> verbs[] = {
     {"settings", parseOpening<OpenSettings, settingsTabs>},
     {"permissions", parseOpening<OpenPermissions, permissionTabs>},
     {"key", parseKey},
+    {"keys", parseKeys},
     {"show", parseShow},
     {"notch", parseNotch},
     {"status", parseAlone<Status>},
@@ -169,6 +180,9 @@ std::string usage() {
          "                      brightness-up ou brightness-down\n"
          "      --fine            par quart de pas, comme avec Maj\n"
          "      --repeat          comme une touche maintenue\n"
+         "      --debounce        compte pour une répétition si elle suit de près\n"
+         "  keys entrust        fait laisser ces touches à valdrix par les réglages du bureau\n"
+         "  keys restore        remet ces réglages comme avant, même si valdrix ne tourne pas\n"
          "  show NIVEAU         montre le niveau actuel : volume ou brightness\n"
          "  notch               dit quelle encoche a chaque écran, et d'où valdrix le sait\n"
          "      --preview LxH     montre une encoche de cette taille en points, le temps "

@@ -26,12 +26,18 @@ struct OpenPermissions {
 /// Has the running agent take a media key.
 struct PressKey {
   MediaKeyMonitor::KeyAction action;
+  /// Whether it repeats where it follows quickly, because whoever presses it cannot say.
+  bool isDebounced = false;
 };
 /// Has the running agent show the present level.
 struct ShowLevel {
   enum class Kind { volume, brightness };
   Kind kind;
 };
+/// Has the running agent hand the desktop's keys over.
+struct EntrustKeys {};
+/// Gives the desktop its keys back, with or without a running agent.
+struct RestoreKeys {};
 /// Prints what the running agent knows of camera housings.
 struct DescribeHousings {};
 /// Has the running agent show a housing of that size, in points, while the user looks.
@@ -59,9 +65,9 @@ struct Misuse {
   std::string reason;
 };
 
-using Command =
-    std::variant<Run, OpenSettings, OpenPermissions, PressKey, ShowLevel, DescribeHousings,
-                 PreviewHousing, Status, Quit, Access, Simulate, ShowVersion, ShowHelp, Misuse>;
+using Command = std::variant<Run, OpenSettings, OpenPermissions, PressKey, ShowLevel, EntrustKeys,
+                             RestoreKeys, DescribeHousings, PreviewHousing, Status, Quit, Access,
+                             Simulate, ShowVersion, ShowHelp, Misuse>;
 
 /// What the words after the program's name ask for.
 [[nodiscard]] Command parse(const std::vector<std::string>& words);

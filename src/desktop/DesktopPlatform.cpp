@@ -19,6 +19,7 @@
 #endif
 #include "desktop/keys/CommandedKeys.h"
 #include "desktop/session/NoUrlSession.h"
+#include "desktop/shortcuts/SessionKeyCustody.h"
 #include "desktop/vdir/VdirSource.h"
 
 namespace valdrix::desktop {
@@ -130,6 +131,7 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       urlSession_(makeUrlSession(runLoop)),
       appearance_(bus),
       sceneHost_(bus),
+      keyCustody_(sessionKeyCustody(runLoop, bus)),
       housings_(CameraHousings::Sources::fromEnvironment()),
       housingsWatch_(housings_.userFile(), [this] { housings_.reread(); }),
       windowSystem_(windowSystem.make(runLoop, textMetrics_, housings_)),

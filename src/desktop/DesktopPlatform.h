@@ -29,6 +29,7 @@
 #include "desktop/session/QtUserCalendar.h"
 #include "desktop/session/SessionBus.h"
 #include "desktop/session/XdgLoginItem.h"
+#include "desktop/shortcuts/DesktopKeyCustody.h"
 #include "desktop/ui/QtCollator.h"
 #include "desktop/ui/QtTextMetrics.h"
 #include "desktop/workspace/DesktopWorkspace.h"
@@ -55,6 +56,8 @@ class DesktopPlatform {
   [[nodiscard]] const CameraHousings& housings() const { return housings_; }
   /// Where the user says what the program may do.
   [[nodiscard]] PrivacySettings& privacySettings() { return privacySettings_; }
+  /// The desktop's own hold on the media keys.
+  [[nodiscard]] DesktopKeyCustody& keyCustody() { return *keyCustody_; }
   /// Which backend serves each port, by the port's name.
   [[nodiscard]] QJsonObject backends() const;
 
@@ -103,6 +106,7 @@ class DesktopPlatform {
   Token panelHold_;
   Appearance appearance_;
   QtSceneHost sceneHost_;
+  const std::unique_ptr<DesktopKeyCustody> keyCustody_;
   CameraHousings housings_;
   FileWatch housingsWatch_;
   std::unique_ptr<WindowSystem> windowSystem_;

@@ -23,8 +23,10 @@ class KeyCustody {
   struct State {
     /// Whether the user wants the keys entrusted. Outlives the process.
     bool isEntrusted = false;
-    /// Whether a change is under way.
+    /// Whether a change is under way, or about to be.
     bool isBusy = false;
+    /// Whether something that is wanted did not work. It is tried again from time to time.
+    bool hasFailed = false;
     /// Of the keys that this desktop is known to have; empty where nothing can be handed over.
     std::map<platform::MediaKey, Place> places;
     /// What did not work, or cannot, and what helps, for the user; may be empty.

@@ -2,7 +2,7 @@
 
 #include "desktop/keys/KeyCustody.h"
 #include "desktop/keys/MediaKeyTaps.h"
-#include "desktop/privacy/DesktopIndicator.h"
+#include "desktop/shortcuts/DesktopIndicator.h"
 #include "observation/Observed.h"
 #include "observation/Token.h"
 #include "view/SettingsScene.h"

@@ -1,5 +1,6 @@
 #include "desktop/session/AgentClient.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusMessage>
 
@@ -43,7 +44,7 @@ AgentAnswer AgentClient::openSettings(const SettingsRequest& request) {
 }
 
 AgentAnswer AgentClient::pressKey(const AgentObject::KeyPress& press) {
-  return ask("PressKey", {press.code, press.isFine, press.isRepeat});
+  return ask("PressKey", {press.code, press.isFine, press.isRepeat, press.isDebounced});
 }
 
 AgentAnswer AgentClient::showVolume() { return ask("ShowVolume"); }
@@ -54,6 +55,17 @@ AgentAnswer AgentClient::describeHousings() { return ask("DescribeHousings"); }
 
 AgentAnswer AgentClient::previewHousing(view::Size size) {
   return ask("PreviewHousing", {size.width, size.height});
+}
+
+AgentAnswer AgentClient::entrustKeys() { return ask("EntrustKeys"); }
+
+AgentAnswer AgentClient::restoreKeys() { return ask("RestoreKeys"); }
+
+AgentAnswer AgentClient::describeCustody() { return ask("DescribeCustody"); }
+
+bool AgentClient::isAgentThere() {
+  return bus_.waitUntilConnected(connectSeconds) &&
+         bus_.connection()->interface()->isServiceRegistered(AgentNames::service);
 }
 
 AgentAnswer AgentClient::quit() { return ask("Quit"); }

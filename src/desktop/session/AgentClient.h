@@ -33,6 +33,13 @@ class AgentClient {
   /// Has the agent show a housing of that size, in points, for as long as this process is on the
   /// bus, or until another preview.
   [[nodiscard]] AgentAnswer previewHousing(view::Size size);
+  /// Has the agent begin to hand the desktop's keys over, or to give them back.
+  [[nodiscard]] AgentAnswer entrustKeys();
+  [[nodiscard]] AgentAnswer restoreKeys();
+  /// What has become of that; done without a text as long as it goes on.
+  [[nodiscard]] AgentAnswer describeCustody();
+  /// Whether an agent is there to be asked. None is where there is no bus.
+  [[nodiscard]] bool isAgentThere();
   /// Asks the agent to end.
   [[nodiscard]] AgentAnswer quit();
 

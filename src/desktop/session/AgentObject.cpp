@@ -29,9 +29,10 @@ struct AgentObject::Method {
   AgentAnswer (*call)(const Handlers& handlers, const QVariantList& arguments);
 };
 
-// The arguments of PressKey are the key's code, whether it moves by the fine step, and whether it
-// repeats; those of OpenSettings and OpenPermissions a tab from 0, or -1, and a token that lets a
-// window come to the front; those of PreviewHousing a width and a height in points.
+// The arguments of PressKey are the key's code, whether it moves by the fine step, whether it
+// repeats, and whether it is debounced; those of OpenSettings and OpenPermissions a tab from 0, or
+// -1, and a token that lets a window come to the front; those of PreviewHousing a width and a
+// height in points.
 const AgentObject::Method AgentObject::methods[] = {
     {"Status", "", [](const Handlers& to, const QVariantList&) { return to.status(); }},
     {"RequestCalendarAccess", "",
@@ -44,9 +45,9 @@ const AgentObject::Method AgentObject::methods[] = {
      [](const Handlers& to, const QVariantList& with) {
        return to.openSettings(settingsRequest(SettingsRequest::Window::permissions, with));
      }},
-    {"PressKey", "ubb",
+    {"PressKey", "ubbb",
      [](const Handlers& to, const QVariantList& with) {
-       return to.pressKey({with[0].toUInt(), with[1].toBool(), with[2].toBool()});
+       return to.pressKey({with[0].toUInt(), with[1].toBool(), with[2].toBool(), with[3].toBool()});
      }},
     {"ShowVolume", "", [](const Handlers& to, const QVariantList&) { return to.showVolume(); }},
     {"ShowBrightness", "",
@@ -57,6 +58,10 @@ const AgentObject::Method AgentObject::methods[] = {
      [](const Handlers& to, const QVariantList& with) {
        return to.previewHousing({with[0].toDouble(), with[1].toDouble()});
      }},
+    {"EntrustKeys", "", [](const Handlers& to, const QVariantList&) { return to.entrustKeys(); }},
+    {"RestoreKeys", "", [](const Handlers& to, const QVariantList&) { return to.restoreKeys(); }},
+    {"DescribeCustody", "",
+     [](const Handlers& to, const QVariantList&) { return to.describeCustody(); }},
     {"Quit", "", [](const Handlers& to, const QVariantList&) { return to.quit(); }},
 };
 

@@ -25,6 +25,8 @@ class AgentObject final : public QDBusVirtualObject {
     std::uint32_t code;
     bool isFine;
     bool isRepeat;
+    /// Whoever sends it does not know whether it repeats: it does where it follows quickly.
+    bool isDebounced;
   };
   /// What the methods do. Each returns at once.
   struct Handlers {
@@ -44,6 +46,11 @@ class AgentObject final : public QDBusVirtualObject {
     std::function<AgentAnswer(view::Size)> previewHousing{};
     /// Whoever asked for the preview has gone.
     std::function<void()> endPreview{};
+    /// Begin to hand the desktop's keys over, or to give them back.
+    std::function<AgentAnswer()> entrustKeys{};
+    std::function<AgentAnswer()> restoreKeys{};
+    /// What has become of it; no text as long as it goes on.
+    std::function<AgentAnswer()> describeCustody{};
     std::function<AgentAnswer()> quit{};
   };
 

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace valdrix::desktop {
 
@@ -18,9 +19,15 @@ class SettingStore {
   /// Whether the store has the value now.
   using OnWritten = std::function<void(bool isWritten)>;
 
+  /// None when the store does not answer.
+  using OnFound = std::function<void(std::optional<std::vector<std::string>>)>;
+
   virtual ~SettingStore() = default;
   /// As files name it.
   [[nodiscard]] virtual std::string name() const = 0;
+  /// The settings that `pattern` stands for where names vary from user to user. A store without
+  /// patterns knows names alone, and may answer before it returns.
+  virtual void find(const std::string& pattern, OnFound done) { done({{pattern}}); }
   virtual void read(const std::string& setting, OnRead done) = 0;
   virtual void write(const std::string& setting, const Value& value, OnWritten done) = 0;
 };
