@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 #include "commands/CalendarAccess.h"
 #include "commands/CustodyReport.h"
@@ -51,8 +52,23 @@ int Agent::run(const desktop::SettingsRequest& window, bool opensWindow) {
   if (opensWindow) openWindow(window);
   const int result = QCoreApplication::exec();
   app_.reset();
+  leaveKeys();
   platform_.reset();
   return result;
+}
+
+// Without the agent nobody acts on the keys that the desktop leaves. They have been given up by
+// now, so that it can have them.
+void Agent::leaveKeys() {
+  constexpr double mostSeconds = 3;
+  auto& custody = platform_->keyCustody();
+  custody.setWanted({});
+  QEventLoop loop;
+  const auto observer = custody.observe([&] {
+    if (!custody.state().isBusy) loop.quit();
+  });
+  const auto limit = runLoop_.scheduleTimer(mostSeconds, false, [&] { loop.quit(); });
+  if (custody.state().isBusy) loop.exec();
 }
 
 template <class F>

@@ -29,6 +29,8 @@ class Agent {
   /// What `answer` says, once the agent has started.
   template <class F>
   [[nodiscard]] auto whenStarted(F answer);
+  /// Has the desktop take back the keys that it leaves, until the next start.
+  void leaveKeys();
   void openWindow(const desktop::SettingsRequest& request);
   /// Whether the last debounced key came so shortly before this one that it is being held.
   [[nodiscard]] bool followsQuickly();

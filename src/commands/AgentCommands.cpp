@@ -78,9 +78,16 @@ int entrustKeys(int& argc, char** argv) {
 }
 
 std::optional<int> restoreKeys(int& argc, char** argv) {
+  using namespace std::chrono_literals;
   Connection connection(argc, argv);
-  if (!connection.agent.isAgentThere()) return std::nullopt;
-  return followCustody(connection.agent, connection.agent.restoreKeys());
+  desktop::AgentAnswer begun{false, {}};
+  // One that starts or ends refuses for a moment.
+  for (int tries = 0; tries < 50 && !begun.isDone; ++tries) {
+    if (tries > 0) std::this_thread::sleep_for(100ms);
+    if (!connection.agent.isAgentThere()) return std::nullopt;
+    begun = connection.agent.restoreKeys();
+  }
+  return followCustody(connection.agent, begun);
 }
 
 int showLevel(const ShowLevel& command, int& argc, char** argv) {

@@ -38,7 +38,13 @@ TEST(Commands, OneAgentAnswersAndEnds) {
 TEST(Commands, KeysActAndLevelsShowByCommand) {
   AgentDesktop desktop;
   EXPECT_EQ(desktop.command({"key", "volume-up"}).exitCode, 1) << "nobody runs";
+  EXPECT_EQ(desktop.command({"keys", "restore"}).exitCode, 0) << "needs nobody";
   ASSERT_TRUE(desktop.startAgent());
+  EXPECT_EQ(desktop.command({"keys", "restore"}).exitCode, 0);
+  EXPECT_EQ(desktop.command({"keys", "entrust"}).exitCode, 1) << "there is no desktop";
+  // A held key of a shortcut that does not say so.
+  for (int i = 0; i < 2; ++i) (void)desktop.command({"key", "mute", "--debounce"});
+  EXPECT_TRUE(waitFor([&] { return desktop.status()["volume"].toObject()["isMuted"].toBool(); }));
   EXPECT_EQ(desktop.command({"key", "volume-up"}).exitCode, 0);
   EXPECT_TRUE(desktop.awaitPresentation("volumeHUD"));
   EXPECT_TRUE(desktop.awaitVolume(0.5625));
@@ -93,6 +99,8 @@ TEST(Commands, WordsAreUnderstoodOrRefusedInFrench) {
                                    {"key"},
                                    {"key", "play"},
                                    {"key", "mute", "--loud"},
+                                   {"keys"},
+                                   {"keys", "eat"},
                                    {"show"},
                                    {"show", "time"},
                                    {"notch", "--preview"},

@@ -124,6 +124,7 @@ std::vector<SettingChange> gnomeChanges(const KnownDesktop::Keys& keys,
                                         const std::string& program) {
   Changes changes;
   const auto commands = shortcuts(keys);
+  if (commands.empty()) return changes;
   for (const auto& shortcut : commands) appendShortcut(changes, shortcut, program);
   for (const auto& key : among(keys)) {
     appendRelease(changes, key, key.setting, key.symbol, false);

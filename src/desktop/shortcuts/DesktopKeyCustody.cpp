@@ -30,17 +30,12 @@ DesktopKeyCustody::DesktopKeyCustody(platform::RunLoop& runLoop, Stores stores,
 }
 
 bool DesktopKeyCustody::isConsented() const {
-  return desktop_ && content_.consents.contains(desktop_->id);
+  return desktop_ && desktop_->changes && content_.consents.contains(desktop_->id);
 }
 
 bool DesktopKeyCustody::hasWork() const {
   return record_.status() == CustodyRecord::Status::broken || content_ != record_.content() ||
          !content_.isEmpty();
-}
-
-SettingStore* DesktopKeyCustody::storeNamed(const std::string& name) const {
-  const auto store = std::ranges::find(stores_, name, [](const auto& one) { return one->name(); });
-  return store == stores_.end() ? nullptr : store->get();
 }
 
 void DesktopKeyCustody::entrust() {
@@ -77,57 +72,22 @@ void DesktopKeyCustody::reconcile() {
   if (!hasWork() || (isConsented() && !wanted_)) return end({}, true);
   isPassing_ = true;
   tell();
-  Changes patterns;
-  if (record_.status() == CustodyRecord::Status::broken && desktop_ && desktop_->changes)
-    patterns = desktop_->changes(desktop_->keys, program_);
-  else if (isConsented()) {
-    KnownDesktop::Keys keys;
-    std::ranges::set_intersection(desktop_->keys, *wanted_, std::inserter(keys, keys.end()));
-    patterns = desktop_->changes(keys, program_);
-  }
-  findSettings(std::move(patterns), {}, [this](const Changes& changes) {
-    readSettings(settingsOf(changes), {},
+  stores_.find(wantedChanges(), [this](const Changes& changes) {
+    stores_.read(settingsOf(changes),
                  [this, changes](const Readings& readings) { decide(changes, readings); });
   });
 }
 
-void DesktopKeyCustody::findSettings(Changes patterns, Changes found,
-                                     std::function<void(Changes)> done) {
-  if (patterns.empty()) return done(std::move(found));
-  auto change = std::move(patterns.front());
-  patterns.erase(patterns.begin());
-  auto* const store = storeNamed(change.store);
-  const auto pattern = change.setting;
-  auto next = lifetime_.weak(
-      [this, patterns = std::move(patterns), found = std::move(found), change = std::move(change),
-       done = std::move(done)](const std::optional<std::vector<std::string>>& names) {
-        auto all = found;
-        // A store that does not answer does not answer for the pattern either.
-        for (const auto& name : names.value_or(std::vector{change.setting})) {
-          all.push_back(change);
-          all.back().setting = name;
-        }
-        findSettings(patterns, std::move(all), done);
-      });
-  if (!store) return next(std::nullopt);
-  store->find(pattern, std::move(next));
+DesktopKeyCustody::Changes DesktopKeyCustody::wantedChanges() const {
+  const bool isBroken = record_.status() == CustodyRecord::Status::broken;
+  if (isBroken && desktop_ && desktop_->changes) return desktop_->changes(desktop_->keys, program_);
+  return isConsented() ? desktop_->changes(wantedKeys(), program_) : Changes();
 }
 
-void DesktopKeyCustody::readSettings(std::vector<Setting> settings, Readings readings,
-                                     std::function<void(Readings)> done) {
-  if (settings.empty()) return done(std::move(readings));
-  const auto setting = settings.front();
-  settings.erase(settings.begin());
-  auto next =
-      lifetime_.weak([this, setting, settings = std::move(settings), readings = std::move(readings),
-                      done = std::move(done)](const std::optional<SettingStore::Value>& value) {
-        auto all = readings;
-        all.insert_or_assign(setting, value);
-        readSettings(settings, std::move(all), done);
-      });
-  auto* const store = storeNamed(setting.first);
-  if (!store) return next(std::nullopt);
-  store->read(setting.second, std::move(next));
+KnownDesktop::Keys DesktopKeyCustody::wantedKeys() const {
+  KnownDesktop::Keys keys;
+  std::ranges::set_intersection(desktop_->keys, *wanted_, std::inserter(keys, keys.end()));
+  return keys;
 }
 
 std::vector<DesktopKeyCustody::Setting> DesktopKeyCustody::settingsOf(
@@ -160,7 +120,8 @@ void DesktopKeyCustody::decide(const Changes& changes, const Readings& readings)
   if (content_ != record_.content() && !record_.save(content_))
     return fail("Ce qui était réglé ne peut pas être noté : valdrix ne change rien.");
   if (plan.writes.empty() || ++passes_ > mostPasses) return finish(plan);
-  write(plan.writes);
+  stores_.write(
+      plan.writes, [this] { return !isOutdated_; }, [this] { reconcile(); });
 }
 
 /// What the settings themselves say in place of a record that says nothing.
@@ -171,22 +132,8 @@ void DesktopKeyCustody::takeUpEvidence() {
   reconcile();
 }
 
-void DesktopKeyCustody::write(std::vector<CustodyPlan::Write> writes) {
-  if (writes.empty() || isOutdated_) return reconcile();
-  const auto first = std::move(writes.front());
-  writes.erase(writes.begin());
-  // What was not written is seen by the next pass.
-  auto next = lifetime_.weak([this, writes = std::move(writes)](bool) { write(writes); });
-  auto* const store = storeNamed(first.setting.first);
-  if (!store) return next(false);
-  store->write(first.setting.second, first.value, std::move(next));
-}
-
 void DesktopKeyCustody::finish(const CustodyPlan& plan) {
-  entrusted_.clear();
-  if (isConsented())
-    std::ranges::set_intersection(desktop_->keys, *wanted_,
-                                  std::inserter(entrusted_, entrusted_.end()));
+  entrusted_ = isConsented() ? wantedKeys() : KnownDesktop::Keys();
   for (const auto key : plan.open) entrusted_.erase(key);
   end(noteOn(plan), plan.writes.empty() && plan.unreadable.empty());
 }

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -12,7 +10,7 @@
 #include "desktop/shortcuts/CustodyPlan.h"
 #include "desktop/shortcuts/CustodyRecord.h"
 #include "desktop/shortcuts/KnownDesktop.h"
-#include "desktop/shortcuts/SettingStore.h"
+#include "desktop/shortcuts/SettingStores.h"
 #include "observation/Lifetime.h"
 #include "observation/Listeners.h"
 #include "platform/RunLoop.h"
@@ -27,7 +25,7 @@ namespace valdrix::desktop {
 /// back it never asks the desktop. What does not answer is tried again, in growing intervals.
 class DesktopKeyCustody final : public KeyCustody {
  public:
-  using Stores = std::vector<std::unique_ptr<SettingStore>>;
+  using Stores = SettingStores::Stores;
 
   /// `desktop` is the one that runs, null for an unknown one; `program` is what its shortcuts are
   /// to call. `runLoop` outlives this.
@@ -47,26 +45,23 @@ class DesktopKeyCustody final : public KeyCustody {
   [[nodiscard]] bool sendsCommands() const { return desktop_ && desktop_->sendsCommands; }
 
  private:
-  using Changes = std::vector<SettingChange>;
-  using Setting = CustodyPlan::Setting;
-  using Readings = CustodyPlan::Readings;
+  using Changes = SettingStores::Changes;
+  using Setting = SettingStores::Setting;
+  using Readings = SettingStores::Readings;
 
   [[nodiscard]] bool isConsented() const;
   /// Whether anything is or was entrusted, or is to be found out.
   [[nodiscard]] bool hasWork() const;
-  [[nodiscard]] SettingStore* storeNamed(const std::string& name) const;
   void reconsiderLater();
+  /// Makes a pass: reads, decides, writes, and passes again until nothing is left to write.
   void reconcile();
-  void takeUpEvidence();
-
-  // Each step of a pass begins the next one.
-  void findSettings(Changes patterns, Changes found, std::function<void(Changes)> done);
-  void readSettings(std::vector<Setting> settings, Readings readings,
-                    std::function<void(Readings)> done);
   void decide(const Changes& changes, const Readings& readings);
-  void write(std::vector<CustodyPlan::Write> writes);
+  void takeUpEvidence();
   void finish(const CustodyPlan& plan);
 
+  [[nodiscard]] Changes wantedChanges() const;
+  /// To be asked only with consent.
+  [[nodiscard]] KnownDesktop::Keys wantedKeys() const;
   [[nodiscard]] std::vector<Setting> settingsOf(const Changes& changes) const;
   /// Whether the entry is this pass's business.
   [[nodiscard]] bool concerns(const CustodyRecord::Entry& entry) const;
@@ -76,7 +71,7 @@ class DesktopKeyCustody final : public KeyCustody {
   void tell();
 
   platform::RunLoop& runLoop_;
-  const Stores stores_;
+  const SettingStores stores_;
   const KnownDesktop* const desktop_;
   const std::string program_;
   CustodyRecord record_;

@@ -38,9 +38,10 @@ KnownDesktop plasma() {
 KnownDesktop xfce() {
   return {.id = "XFCE",
           .indicator = {"Xfce", Cause::anyChange,
-                        "Dans les propriétés du greffon PulseAudio du tableau de bord, décoche la "
-                        "gestion des raccourcis clavier et la notification des changements de "
-                        "volume : c'est pris en compte tout de suite."},
+                        "Dans les propriétés du greffon PulseAudio du tableau de bord, décoche "
+                        "« Activer les raccourcis clavier pour le contrôle du volume » et "
+                        "« Afficher une notification quand le volume change » : c'est pris en "
+                        "compte tout de suite."},
           .changes = &xfceChanges,
           .keys = volumeKeys,
           .keptKeys = brightnessKeys,
