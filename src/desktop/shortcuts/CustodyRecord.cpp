@@ -21,8 +21,8 @@ using Content = CustodyRecord::Content;
 using Entry = CustodyRecord::Entry;
 using Status = CustodyRecord::Status;
 
-constexpr int version = 1;
-constexpr std::size_t largestFile = std::size_t{1} << 20;
+constexpr int recordVersion = 1;
+constexpr std::size_t largestRecord = std::size_t{1} << 20;
 
 QString qt(const std::string& text) { return QString::fromStdString(text); }
 
@@ -72,8 +72,9 @@ std::optional<Entry> entry(const QJsonObject& object) {
 Status parse(const std::string& bytes, Content& content) {
   const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(bytes));
   const auto written = document["version"].toInt();
-  if (written > version) return Status::unreadable;
-  if (written != version || !document["settings"].isArray() || !document["entrusted"].isArray())
+  if (written > recordVersion) return Status::unreadable;
+  if (written != recordVersion || !document["settings"].isArray() ||
+      !document["entrusted"].isArray())
     return Status::broken;
   for (const auto& desktop : texts(document["entrusted"])) content.consents.insert(desktop);
   for (const auto& object : document["settings"].toArray()) {
@@ -88,7 +89,7 @@ Status parse(const std::string& bytes, Content& content) {
 
 CustodyRecord::CustodyRecord(fs::path file) : file_(std::move(file)) {
   removeAbandonedWrites(file_);
-  const auto found = readWholeFile(file_, largestFile);
+  const auto found = readWholeFile(file_, largestRecord);
   switch (found.status) {
     case FileContent::Status::missing:
       break;
@@ -120,7 +121,7 @@ bool CustodyRecord::save(const Content& content) {
     QJsonArray entries;
     for (const auto& entry : content.entries) entries.append(json(entry));
     const QJsonObject object{
-        {"version", version}, {"entrusted", array(content.consents)}, {"settings", entries}};
+        {"version", recordVersion}, {"entrusted", array(content.consents)}, {"settings", entries}};
     if (fs::create_directories(file_.parent_path(), error))
       fs::permissions(file_.parent_path(), fs::perms::owner_all, error);
     if (!writeWholeFile(file_, QJsonDocument(object).toJson().toStdString())) return false;

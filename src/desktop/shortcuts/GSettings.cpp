@@ -12,8 +12,8 @@ namespace {
 
 constexpr int freshMilliseconds = 1000;
 
-struct Name {
-  explicit Name(const std::string& setting) {
+struct SchemaKey {
+  explicit SchemaKey(const std::string& setting) {
     const auto text = QString::fromStdString(setting);
     schema = text.section(' ', 0, -2);
     key = text.section(' ', -1);
@@ -23,7 +23,7 @@ struct Name {
 };
 
 /// Lines of schema, key and value.
-std::map<QString, std::string> parse(const QByteArray& output) {
+std::map<QString, std::string> parseLines(const QByteArray& output) {
   std::map<QString, std::string> keys;
   for (const auto& line : QString::fromUtf8(output).split('\n', Qt::SkipEmptyParts))
     keys[line.section(' ', 1, 1)] = line.section(' ', 2).toStdString();
@@ -33,7 +33,7 @@ std::map<QString, std::string> parse(const QByteArray& output) {
 }  // namespace
 
 void GSettings::read(const std::string& setting, OnRead done) {
-  const Name name(setting);
+  const SchemaKey name(setting);
   list(name.schema, [key = name.key, done = std::move(done)](const Keys* keys) {
     if (!keys || !keys->contains(key)) return done(std::nullopt);
     done(Value(keys->at(key)));
@@ -41,7 +41,7 @@ void GSettings::read(const std::string& setting, OnRead done) {
 }
 
 void GSettings::write(const std::string& setting, const Value& value, OnWritten done) {
-  const Name name(setting);
+  const SchemaKey name(setting);
   listDefaults(name.schema, [this, name, value, done = std::move(done)](const Keys* defaults) {
     listed_.clear();
     const bool isDefault =
@@ -60,7 +60,7 @@ void GSettings::list(const QString& schema, OnListed done) {
     if (!output) return done(nullptr);
     if (!isFresh) {
       listed_ = schema;
-      values_ = parse(*output);
+      values_ = parseLines(*output);
       age_.start();
     }
     done(&values_);
@@ -75,7 +75,7 @@ void GSettings::listDefaults(const QString& schema, OnListed done) {
   tool_.run({"list-recursively", schema}, {"GSETTINGS_BACKEND=memory"},
             [this, name, done](const std::optional<QByteArray>& output) {
               if (!output) return done(nullptr);
-              done(&(defaults_[name] = parse(*output)));
+              done(&(defaults_[name] = parseLines(*output)));
             });
 }
 

@@ -9,13 +9,13 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr int mostMilliseconds = 5000;
+constexpr int mostRunMilliseconds = 5000;
 
 }  // namespace
 
 ToolRunner::ToolRunner(QString program) : program_(std::move(program)) {
   limit_.setSingleShot(true);
-  limit_.setInterval(mostMilliseconds);
+  limit_.setInterval(mostRunMilliseconds);
   process_.setStandardInputFile(QProcess::nullDevice());
   process_.setStandardErrorFile(QProcess::nullDevice());
   QObject::connect(&limit_, &QTimer::timeout, &process_, &QProcess::kill);

@@ -14,13 +14,13 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr auto service = "org.xfce.Xfconf";
-constexpr auto path = "/org/xfce/Xfconf";
+constexpr auto xfconfService = "org.xfce.Xfconf";
+constexpr auto xfconfPath = "/org/xfce/Xfconf";
 constexpr auto notFound = "org.xfce.Xfconf.Error.PropertyNotFound";
-constexpr int mostMilliseconds = 5000;
+constexpr int mostCallMilliseconds = 5000;
 
-struct Name {
-  explicit Name(const std::string& setting) {
+struct Property {
+  explicit Property(const std::string& setting) {
     const auto text = QString::fromStdString(setting);
     channel = text.section(' ', 0, 0);
     property = text.section(' ', 1);
@@ -31,7 +31,7 @@ struct Name {
 
 bool isReply(const QDBusMessage& message) { return message.type() == QDBusMessage::ReplyMessage; }
 
-std::optional<std::string> text(const QVariant& value) {
+std::optional<std::string> typedText(const QVariant& value) {
   switch (value.typeId()) {
     case QMetaType::Bool:
       return value.toBool() ? "bool:true" : "bool:false";
@@ -47,7 +47,7 @@ std::optional<std::string> text(const QVariant& value) {
 }
 
 /// The value that `text` writes down; none for a type that is not read either.
-QVariant value(const std::string& text) {
+QVariant typedValue(const std::string& text) {
   const auto written = QString::fromStdString(text);
   const auto type = written.section(':', 0, 0);
   const auto rest = written.section(':', 1);
@@ -58,7 +58,7 @@ QVariant value(const std::string& text) {
 }
 
 /// The properties of the plug-ins of one kind, from all that there are.
-std::vector<std::string> namesOf(const QVariantMap& properties, const Name& pattern) {
+std::vector<std::string> namesOf(const QVariantMap& properties, const Property& pattern) {
   const auto kind = pattern.property.section('<', 1).section('>', 0, 0);
   const auto folder = pattern.property.section('<', 0, 0);
   const auto property = pattern.property.section('>', 1);
@@ -72,7 +72,7 @@ std::vector<std::string> namesOf(const QVariantMap& properties, const Name& patt
 }  // namespace
 
 void Xfconf::find(const std::string& pattern, OnFound done) {
-  const Name name(pattern);
+  const Property name(pattern);
   if (!name.property.contains('<')) return done({{pattern}});
   const auto folder = name.property.section("/<", 0, 0);
   call("GetAllProperties", {name.channel, folder}, [name, done](const QDBusMessage& reply) {
@@ -82,21 +82,21 @@ void Xfconf::find(const std::string& pattern, OnFound done) {
 }
 
 void Xfconf::read(const std::string& setting, OnRead done) {
-  const Name name(setting);
+  const Property name(setting);
   call("GetProperty", {name.channel, name.property}, [done](const QDBusMessage& reply) {
     if (!isReply(reply))
       return done(reply.errorName() == notFound ? std::optional(Value()) : std::nullopt);
-    auto read = text(reply.arguments().value(0).value<QDBusVariant>().variant());
+    auto read = typedText(reply.arguments().value(0).value<QDBusVariant>().variant());
     done(read ? std::optional<Value>(std::move(read)) : std::nullopt);
   });
 }
 
 void Xfconf::write(const std::string& setting, const Value& written, OnWritten done) {
-  const Name name(setting);
+  const Property name(setting);
   const auto finished = [done](const QDBusMessage& reply) { done(isReply(reply)); };
   if (written)
     call("SetProperty",
-         {name.channel, name.property, QVariant::fromValue(QDBusVariant(value(*written)))},
+         {name.channel, name.property, QVariant::fromValue(QDBusVariant(typedValue(*written)))},
          finished);
   else
     call("ResetProperty", {name.channel, name.property, false}, finished);
@@ -107,10 +107,10 @@ void Xfconf::call(const char* method, const QVariantList& arguments,
   const auto& connection = bus_.connection();
   if (!connection)
     return runLoop_.async(lifetime_.weak([done = std::move(done)] { done(QDBusMessage()); }));
-  auto message = QDBusMessage::createMethodCall(service, path, service, method);
+  auto message = QDBusMessage::createMethodCall(xfconfService, xfconfPath, xfconfService, method);
   message.setArguments(arguments);
   auto* const watcher =
-      new QDBusPendingCallWatcher(connection->asyncCall(message, mostMilliseconds));
+      new QDBusPendingCallWatcher(connection->asyncCall(message, mostCallMilliseconds));
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
                    [watcher, done = lifetime_.weak(std::move(done))] {
                      watcher->deleteLater();
