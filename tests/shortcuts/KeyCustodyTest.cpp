@@ -182,7 +182,7 @@ TEST_F(KeyCustodyTest, LeavesNothingHalfWhereverTheProcessEnds) {
   run();
   entrusted = desktop.set;
   for (const bool isRestoring : {false, true})
-    for (int turns = 0;; turns += 3) {
+    for (int turns = 0;; turns += 7) {
       SCOPED_TRACE((isRestoring ? "restoring, turn " : "entrusting, turn ") +
                    std::to_string(turns));
       desktop.set = isRestoring ? entrusted : before;
