@@ -18,14 +18,18 @@ begin_desktop() {
 }
 
 end_desktop() {
+  end_children
+  [[ -z $session ]] || rm -rf "$session"
+  session=''
+  trap - EXIT
+}
+
+end_children() {
   local i
   for ((i = ${#children[@]} - 1; i >= 0; i--)); do
     end_child "${children[i]}"
   done
   children=()
-  [[ -z $session ]] || rm -rf "$session"
-  session=''
-  trap - EXIT
 }
 
 # start NAME COMMAND…: in the background, its output in a file of that name; sets `child`.
@@ -48,9 +52,11 @@ end_child() {
   wait "$1" 2>/dev/null || true
 }
 
-# wait_until WHAT COMMAND…: until it succeeds; gives up after 20 seconds.
+patience=20 # seconds
+
+# wait_until WHAT COMMAND…: until it succeeds; gives up when the patience is at its end.
 wait_until() {
-  local what=$1 deadline=$((SECONDS + 20))
+  local what=$1 deadline=$((SECONDS + patience))
   shift
   until "$@"; do
     if [[ $SECONDS -ge $deadline ]]; then
@@ -103,8 +109,9 @@ start_screen() {
   export DISPLAY
 }
 
+# start_sound_server [OPTION…]
 start_sound_server() {
-  start sound pulseaudio --system=no --daemonize=no -n --exit-idle-time=-1 --use-pid-file=no \
+  start sound pulseaudio --system=no --daemonize=no -n --exit-idle-time=-1 --use-pid-file=no "$@" \
     -L module-native-protocol-unix -L "module-null-sink sink_name=speakers"
   wait_until "the sound server" sound_server_answers
   pactl set-sink-volume speakers 50%

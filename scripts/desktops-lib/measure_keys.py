@@ -1,0 +1,65 @@
+"""The media keys: who acts on each, how many indicators come up, and whether the agent's word on it is true."""
+
+import x11
+from inputs import KEYSYMS
+from waiting import Unmeasured, holds, watch
+from witnesses import Press
+
+KEYS = ("volume-up", "volume-down", "mute", "brightness-up", "brightness-down")
+
+
+class KeyMeasurement:
+    def __init__(self, lab):
+        self.lab = lab
+
+    def all(self, picture):
+        return {key: self.lab.attempt(lambda key=key: self.one(key, f"{picture}-{key}")) for key in KEYS}
+
+    def one(self, key, picture):
+        lab = self.lab
+        if not lab.agent.presents("collapsed"):
+            raise Unmeasured("the panel did not come to rest before the key")
+        state, owner = lab.agent.word_on(key)
+        press = Press(lab.session, lab.monitor, lab.has_x_windows)
+        lab.input.press(key)
+        shows = self.observe(press)
+        lab.take_picture(picture)
+        actors = press.actors()
+        taken = "desktop" in actors or press.desktop_took_it() or self.is_grabbed(key, state)
+        word = (state + (f" by {owner}" if owner else "")) or "nothing said"
+        truth = {True: " ✓", False: " ✗", None: ""}[is_true(state, actors, taken)]
+        return f"{who(actors, taken)}; {shows + press.desktop_showed()}; {word}{truth}"
+
+    def observe(self, press):
+        """Whether the agent's indicator came up; waits for whoever acts, and a while for others."""
+        shown = []
+
+        def look():
+            press.look()
+            if not shown and self.lab.agent.presentation() in ("volumeHUD", "brightnessHUD"):
+                shown.append(True)
+            return press.actors()
+
+        holds(look, 1.2)
+        watch(0.5, look)
+        return bool(shown)
+
+    def is_grabbed(self, key, state):
+        return self.lab.is_x11 and state != "held" and x11.is_taken(KEYSYMS[key])
+
+
+def who(actors, taken):
+    if actors:
+        return " and ".join(sorted(actors, reverse=True))
+    return "desktop, without effect" if taken else "nobody"
+
+
+def is_true(state, actors, taken):
+    """Whether what the agent says of a key agrees with what a press came to."""
+    if state == "held":
+        return actors == {"valdrix"}
+    if state in ("taken", "missing"):
+        return "valdrix" not in actors and taken
+    if state in ("windowSystem", "released", "absent"):
+        return "valdrix" not in actors
+    return None
