@@ -4,8 +4,6 @@ import os
 import pathlib
 import subprocess
 
-from PIL import Image
-
 import pictures
 from waiting import Unmeasured, holds
 
@@ -35,13 +33,25 @@ def make_dark(desktop):
             raise Unmeasured(f"the desktop could not be made dark: {done.stderr.strip()}")
 
 
+def still_picture(lab, name):
+    """The screen once nothing changes any more: a desktop takes its time to become dark."""
+    pictures_taken = [lab.look(name)]
+
+    def same():
+        pictures_taken.append(lab.look(name))
+        return pictures_taken[-1].tobytes() == pictures_taken[-2].tobytes()
+
+    holds(same, 6, 0.5)
+    return pictures_taken[-1]
+
+
 def settings_are_dark(lab, picture):
     """Opens the settings and looks at what has come up on the screen."""
-    before = Image.open(lab.take_picture(f"{picture}-before")).convert("RGB")
+    before = still_picture(lab, f"{picture}-before")
     lab.agent.command("settings", "general")
 
     def window():
-        after = Image.open(lab.take_picture(picture)).convert("RGB")
+        after = lab.look(picture)
         area = pictures.changed_area(before, after)
         if area and area[2] - area[0] > 250 and area[3] - area[1] > 200:
             return after, area

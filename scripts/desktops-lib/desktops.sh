@@ -83,7 +83,7 @@ start_gnome_x11() {
   start_screen "$width" "$height"
   start_gnome_shell --x11 --sm-disable || return
   start_gnome_keys || return
-  await_key_owner
+  await_key_owner XF86AudioRaiseVolume XF86MonBrightnessUp
 }
 
 use_plasma() {
@@ -157,10 +157,13 @@ start_x11_session() {
   wait_until "the window manager" window_manager_answers || return
 }
 
-# A desktop that has the keys takes them a while after its windows are there.
-await_key_owner() { wait_until "the desktop to take the keys" volume_key_is_taken || true; }
-
-volume_key_is_taken() { /usr/bin/python3 "$lab/key_is_taken.py" XF86AudioRaiseVolume; }
+# await_key_owner [KEYSYM…]: a desktop that has keys takes them a while after its windows are there.
+await_key_owner() {
+  local key
+  for key in "${@:-XF86AudioRaiseVolume}"; do
+    wait_until "the desktop to take $key" /usr/bin/python3 "$lab/key_is_taken.py" "$key" || true
+  done
+}
 
 # Without a panel of the user's, the first thing on screen is a question.
 start_xfce() {
@@ -169,7 +172,7 @@ start_xfce() {
   cp /etc/xdg/xfce4/panel/default.xml "$settings/xfce4-panel.xml"
   start_x11_session XFCE xfce4-session || return
   wait_until "XFCE's panel" bus_has --session org.xfce.Panel || return
-  await_key_owner
+  await_key_owner XF86AudioRaiseVolume XF86MonBrightnessUp
 }
 
 start_mate() {
@@ -180,7 +183,7 @@ start_mate() {
 start_cinnamon() {
   start_x11_session X-Cinnamon cinnamon-session-cinnamon2d || return
   wait_until "Cinnamon" bus_has --session org.Cinnamon || return
-  await_key_owner
+  await_key_owner XF86AudioRaiseVolume XF86MonBrightnessUp
 }
 
 # Its first start asks for a configuration unless the user has one.
@@ -197,20 +200,16 @@ start_openbox() {
   wait_until "the compositor" compositor_answers || return
 }
 
-# The compositor refuses to be root; its programs may be.
+# The compositor refuses to be root, and so is somebody else in its own eyes.
 start_sway() {
   input=sway picture=grim
   export XDG_CURRENT_DESKTOP=sway XDG_SESSION_DESKTOP=sway
   write_sway_configuration >"$session/sway.conf"
   local -a become=()
-  if [[ $EUID -eq 0 ]]; then
-    become=(setpriv --reuid=1000 --regid=1000 --clear-groups)
-    chown -R 1000:1000 "$session"
-  fi
+  [[ $EUID -ne 0 ]] || become=(unshare --user --map-user=1000 --map-group=1000)
   WLR_BACKENDS=headless WLR_RENDERER=pixman WLR_LIBINPUT_NO_DEVICES=1 \
     start compositor "${become[@]}" sway -c "$session/sway.conf"
   wait_until "sway" test -s "$session/inside" || return
-  [[ $EUID -ne 0 ]] || chown -R 0:0 "$session"
   enter_inside
   start bar waybar
   wait_until "sway's tray" bus_has --session org.kde.StatusNotifierWatcher || true

@@ -8,7 +8,7 @@ from waiting import Unmeasured
 
 LEFT_BUTTON = 272
 # The kernel's codes; wtype and X servers want names.
-CODES = {"volume-up": 115, "volume-down": 114, "mute": 113, "brightness-up": 225, "brightness-down": 224, "a": 30}
+CODES = {"volume-up": 115, "volume-down": 114, "mute": 113, "brightness-up": 225, "brightness-down": 224, "a": 30, "shift": 42}
 KEYSYMS = {"volume-up": "XF86AudioRaiseVolume", "volume-down": "XF86AudioLowerVolume", "mute": "XF86AudioMute",
            "brightness-up": "XF86MonBrightnessUp", "brightness-down": "XF86MonBrightnessDown", "a": "a"}
 
@@ -78,6 +78,8 @@ class GnomeInput(Input):
         # To the corner at the bottom right, where nothing happens.
         self.session.NotifyPointerMotionRelative(20000.0, 20000.0)
         self.at = (size[0] - 1, size[1] - 1)
+        # The seat has a keyboard from the first key on.
+        self.press("shift")
 
     def jump(self, x, y):
         self.session.NotifyPointerMotionRelative(float(x - self.at[0]), float(y - self.at[1]))

@@ -2,14 +2,13 @@
 """Drives the agent on the desktop that the environment names, and writes down what is seen.
 
 measure.py DESKTOP --program VALDRIX --input KIND --picture KIND --session DIR --out DIR --size WxH [--quick]
-Writes OUT/DESKTOP.json, anew after each measurement: what was measured before a desktop went stays.
+Writes OUT/row.json, anew after each measurement: what was measured before a desktop went stays.
 """
 
 import argparse
 import json
 import os
 import pathlib
-import re
 import signal
 import sys
 import traceback
@@ -39,16 +38,16 @@ class Lab:
         self.has_x_windows = self.is_x11
         self.take = pictures.KINDS[options.picture]
         self.cells = {}
-        self.agent = Agent(options.program, self.out / f"{self.desktop}-agent.log")
+        self.agent = Agent(options.program, self.out / "agent.log")
         self.input = inputs.KINDS[options.input](self.size)
-        self.monitor = BusMonitor(self.out / f"{self.desktop}-bus.log")
+        self.monitor = BusMonitor(self.out / "bus.log")
 
     def close(self):
         self.agent.end()
         self.monitor.end()
 
     def take_picture(self, name):
-        path = str(self.out / f"{self.desktop}-{name}.png")
+        path = str(self.out / f"{name}.png")
         self.take(path)
         return path
 
@@ -71,7 +70,7 @@ class Lab:
         else:
             self.cells[cell] = self.attempt(measure)
         print(cell, self.cells[cell], flush=True)
-        (self.out / f"{self.desktop}.json").write_text(json.dumps(self.cells, ensure_ascii=False, indent=1))
+        (self.out / "row.json").write_text(json.dumps(self.cells, ensure_ascii=False, indent=1))
 
     def move_away(self):
         self.input.glide(self.size[0] // 2 + 60, self.size[1] * 3 // 4)
@@ -93,6 +92,7 @@ class Lab:
         self.input.glide(self.middle(), 0)
         expands = self.agent.presents("expanded")
         if not expands:
+            self.take_picture("not-expanded")
             self.move_away()
             return "does not expand"
         self.agent.rests()
@@ -102,10 +102,18 @@ class Lab:
 
     def measure_calendar(self):
         listed = len(self.agent.status()["calendar"]["events"])
-        size = self.agent.status()["notch"]["expandedSize"]
-        area = (self.middle() - int(size["width"] / 2), 0, self.middle() + int(size["width"] / 2), int(size["height"]))
+        width, height = self.pixels(self.agent.status()["notch"]["expandedSize"])
+        area = (self.middle() - width // 2, 0, self.middle() + width // 2, height)
         seen = pictures.calendar_marks(self.look("expanded"), area)
         return f"{seen} of 5 seen" + ("" if seen == listed else f", {listed} said")
+
+    def screen(self):
+        return next(screen for screen in self.agent.status()["screens"] if screen["hasPanel"])
+
+    def pixels(self, size):
+        """What the agent says in points."""
+        scale = self.screen()["scale"]
+        return round(size["width"] * scale), round(size["height"] * scale)
 
     def measure_before_window(self):
         """With nothing but a window that fills the screen below, which tells of clicks and keys."""
@@ -121,11 +129,10 @@ class Lab:
             window.close()
 
     def measure_fullscreen(self):
-        image = self.look("fullscreen")
-        corner = image.getpixel((40, 40))
-        if max(abs(a - b) for a, b in zip(corner, (0x33, 0x66, 0xAA))) > 8:
+        if not holds(lambda: shows_window(self.look("fullscreen")), 10, 0.3):
             raise Unmeasured("the fullscreen window cannot be seen")
-        return "above" if pictures.panel(image) else "below"
+        # The panel may need a moment to come back to the front.
+        return "above" if holds(lambda: pictures.panel(self.look("fullscreen")), 3, 0.3) else "below"
 
     def measure_place(self):
         seen = pictures.panel(self.look("place"))
@@ -151,8 +158,8 @@ class Lab:
 
     def points_outside(self):
         """A grid from edge to edge, and points close to the panel's, without what the panel covers."""
-        notch = next(screen for screen in self.agent.status()["screens"] if screen["hasPanel"])["notchSize"]
-        half, height = int(notch["width"] / 2) + 2, int(notch["height"]) + 2
+        notch_width, notch_height = self.pixels(self.screen()["notchSize"])
+        half, height = notch_width // 2 + 2, notch_height + 2
         middle, (width, tall) = self.middle(), self.size
         grid = [(x, y) for y in (1, 16, 60, tall // 4, tall // 2, tall - 120)
                 for x in (24, 180, 330, middle - 120, middle, middle + 121, 950, 1100, width - 24)]
@@ -240,6 +247,11 @@ class Lab:
         self.fill("keys", lambda: KeyMeasurement(self).all("key"))
         self.fill("entrusted", self.measure_entrusted_keys)
         self.fill("dark", self.measure_dark)
+
+
+def shows_window(image):
+    """The neighbour's colour, where nothing else is."""
+    return max(abs(a - b) for a, b in zip(image.getpixel((40, 40)), (0x33, 0x66, 0xAA))) <= 8
 
 
 def main():

@@ -60,6 +60,8 @@ def is_true(state, actors, taken):
         return actors == {"valdrix"}
     if state in ("taken", "missing"):
         return "valdrix" not in actors and taken
-    if state in ("windowSystem", "released", "absent"):
+    if state in ("released", "absent"):
+        return "valdrix" not in actors and not taken
+    if state == "windowSystem":
         return "valdrix" not in actors
     return None

@@ -80,10 +80,30 @@ def rows_of(image):
     return [pixels[start:start + image.width] for start in range(0, len(pixels), image.width)]
 
 
-def changed_area(before, after):
-    """The rectangle that holds what looks clearly different."""
+def changed_area(before, after, cell=8):
+    """The rectangle around the largest patch that looks clearly different, in steps of `cell` pixels."""
     difference = ImageChops.difference(before, after).convert("L").point(lambda value: 255 if value > 16 else 0)
-    return difference.getbbox()
+    columns, rows = difference.width // cell, difference.height // cell
+    small = difference.resize((columns, rows), Image.BOX).load()
+    left = {(x, y) for x in range(columns) for y in range(rows) if small[x, y] > 60}
+    patch = max(patches(left), key=len, default=None)
+    if not patch:
+        return None
+    xs, ys = [x for x, _ in patch], [y for _, y in patch]
+    return min(xs) * cell, min(ys) * cell, (max(xs) + 1) * cell, (max(ys) + 1) * cell
+
+
+def patches(left):
+    """The connected parts of a set of cells, which is used up."""
+    while left:
+        patch, edge = set(), [left.pop()]
+        while edge:
+            x, y = edge.pop()
+            patch.add((x, y))
+            near = {(x + 1, y), (x - 1, y), (x, y + 1), (x, y - 1)} & left
+            left -= near
+            edge += near
+        yield patch
 
 
 def median_brightness(image, area):

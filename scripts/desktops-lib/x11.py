@@ -1,6 +1,7 @@
 """What an X server can be asked."""
 
 from Xlib import X, XK, display, error
+from Xlib.ext import xinput
 
 XK.load_keysym_group("xf86")
 
@@ -10,12 +11,16 @@ def keycode(server, keysym):
 
 
 def is_taken(keysym):
-    """Whether some program has grabbed the key."""
+    """Whether some program has grabbed the key, by the core protocol or by XInput, which GNOME Shell uses."""
     server = display.Display()
+    code = keycode(server, keysym)
+    root = server.screen().root
     refusal = error.CatchError(error.BadAccess)
-    server.screen().root.grab_key(keycode(server, keysym), 0, False, X.GrabModeAsync, X.GrabModeAsync, onerror=refusal)
-    server.sync()
-    taken = refusal.get_error() is not None
+    root.grab_key(code, 0, False, X.GrabModeAsync, X.GrabModeAsync, onerror=refusal)
+    server.xinput_query_version()
+    refused = root.xinput_grab_keycode(xinput.AllMasterDevices, X.CurrentTime, code, xinput.GrabModeAsync,
+                                       xinput.GrabModeAsync, False, xinput.KeyPressMask, [0]).modifiers
+    taken = bool(refused) or refusal.get_error() is not None
     server.close()
     return taken
 
