@@ -72,14 +72,17 @@ class Agent:
 
     def can_be_entrusted(self):
         custody = self.status().get("mediaKeys", {}).get("custody")
-        return custody == "available" or isinstance(custody, dict) and custody.get("state") == "available"
+        if isinstance(custody, dict):
+            custody = custody.get("state", custody.get("isAvailable"))
+        return custody in ("available", True)
 
     def wakeups(self):
-        """Voluntary switches of all its threads so far."""
-        total = 0
-        for status in pathlib.Path(f"/proc/{self.process.pid}/task").glob("*/status"):
-            total += int(re.search(r"^voluntary_ctxt_switches:\s*(\d+)", status.read_text(), re.M)[1])
-        return total
+        """Voluntary switches so far, thread by thread."""
+        threads = {}
+        for task in pathlib.Path(f"/proc/{self.process.pid}/task").iterdir():
+            count = re.search(r"^voluntary_ctxt_switches:\s*(\d+)", (task / "status").read_text(), re.M)[1]
+            threads[f"{(task / 'comm').read_text().strip()} {task.name}"] = int(count)
+        return threads
 
     def memory(self):
         """Megabytes: private, anonymous, and its proportional share."""

@@ -41,6 +41,9 @@ class Input:
         time.sleep(0.04)
         self.key(key, False)
 
+    def close(self):
+        pass
+
 
 class X11Input(Input):
     """XTEST, which a server cannot tell from devices."""
@@ -107,6 +110,10 @@ class WaylandInput(Input):
         if self.program.stdout.readline() != "ok\n":
             raise Unmeasured("the compositor does not take the input")
 
+    def close(self):
+        self.program.stdin.close()
+        self.program.wait(5)
+
     def jump(self, x, y):
         self.tell("move", x, y)
 
@@ -124,6 +131,11 @@ class SwayInput(WaylandInput):
         super().__init__(size)
         # Keeps a keyboard at the seat: one that comes and goes would take the focus along.
         self.keyboard = subprocess.Popen(["wtype", "-s", "3600000"])
+
+    def close(self):
+        self.keyboard.terminate()
+        self.keyboard.wait(5)
+        super().close()
 
     def press(self, key):
         subprocess.run(["wtype", "-k", KEYSYMS[key]], check=True, timeout=10)

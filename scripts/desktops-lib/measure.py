@@ -7,7 +7,6 @@ Writes OUT/row.json, anew after each measurement: what was measured before a des
 
 import argparse
 import json
-import os
 import pathlib
 import signal
 import sys
@@ -19,7 +18,7 @@ import dark
 import inputs
 import pictures
 from agent import Agent
-from measure_keys import KeyMeasurement
+from measure_keys import KEYS, KeyMeasurement
 from waiting import Unmeasured, holds
 from windows import Window
 from witnesses import BusMonitor, tray_items
@@ -45,6 +44,7 @@ class Lab:
     def close(self):
         self.agent.end()
         self.monitor.end()
+        self.input.close()
 
     def take_picture(self, name):
         path = str(self.out / f"{name}.png")
@@ -83,7 +83,9 @@ class Lab:
         self.agent.rests()
         before = self.agent.wakeups()
         holds(self.agent.has_ended, self.rest_seconds, 1)
-        return f"{(self.agent.wakeups() - before) * REST_SECONDS // self.rest_seconds}"
+        woken = {thread: count - before.get(thread, 0) for thread, count in self.agent.wakeups().items()}
+        print("woken:", {thread: count for thread, count in woken.items() if count}, flush=True)
+        return str(sum(woken.values()) * REST_SECONDS // self.rest_seconds)
 
     def measure_memory(self):
         return "{:.1f} / {:.1f} / {:.1f}".format(*self.agent.memory())
@@ -93,6 +95,7 @@ class Lab:
         expands = self.agent.presents("expanded")
         if not expands:
             self.take_picture("not-expanded")
+            self.cells["calendar"] = {"why": "the panel did not expand"}
             self.move_away()
             return "does not expand"
         self.agent.rests()
@@ -186,11 +189,11 @@ class Lab:
     def measure_focus(self, window):
         if not self.types_into(window):
             raise Unmeasured("the window below had not the keyboard before the click")
-        clicks = window.count("click")
+        clicks, losses = window.count("click"), window.count("focus out")
         self.input.glide(self.middle(), 4)
         self.agent.presents("expanded")
         self.input.click()
-        kept = self.types_into(window)
+        kept = self.types_into(window) and window.count("focus out") == losses
         self.move_away()
         self.agent.presents("collapsed")
         text = "kept" if kept else "lost"
@@ -229,7 +232,7 @@ class Lab:
         if done.returncode:
             raise Unmeasured(f"entrusting failed: {done.stderr.strip()}")
         keys = KeyMeasurement(self)
-        holds(lambda: all(self.agent.word_on(key)[0] == "held" for key in ("volume-up", "volume-down", "mute")), 5)
+        holds(lambda: all(self.agent.word_on(key)[0] == "held" for key in KEYS), 5)
         cells = keys.all("entrusted")
         self.agent.command("keys", "restore")
         holds(lambda: self.agent.word_on("volume-up")[0] != "held", 5)

@@ -1,7 +1,8 @@
 // A mouse and a keyboard for a Wayland compositor, where it lets programs have them: KWin's fake
 // input, or wlroots' virtual pointer, which is a mouse alone.
 //
-// wayland-input WIDTH HEIGHT reads lines and answers each with "ok" when the compositor has seen it:
+// wayland-input WIDTH HEIGHT reads lines and answers each with "ok" when the compositor has seen
+// it:
 //   move X Y              in pixels of the screen
 //   button CODE PRESSED   codes of the kernel; 1 or 0
 //   key CODE PRESSED
@@ -10,18 +11,19 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+
 #include <wayland-client.h>
 
 #include "fake-input.h"
 #include "wlr-virtual-pointer-unstable-v1.h"
 
-static struct org_kde_kwin_fake_input *fake;
-static struct zwlr_virtual_pointer_manager_v1 *pointers;
-static struct zwlr_virtual_pointer_v1 *mouse;
-static struct wl_seat *seat;
+static struct org_kde_kwin_fake_input* fake;
+static struct zwlr_virtual_pointer_manager_v1* pointers;
+static struct zwlr_virtual_pointer_v1* mouse;
+static struct wl_seat* seat;
 static uint32_t width, height;
 
-static void take(void *data, struct wl_registry *registry, uint32_t name, const char *interface,
+static void take(void* data, struct wl_registry* registry, uint32_t name, const char* interface,
                  uint32_t version) {
   (void)data, (void)version;
   if (strcmp(interface, org_kde_kwin_fake_input_interface.name) == 0)
@@ -32,7 +34,7 @@ static void take(void *data, struct wl_registry *registry, uint32_t name, const 
     seat = wl_registry_bind(registry, name, &wl_seat_interface, 1);
 }
 
-static void drop(void *data, struct wl_registry *registry, uint32_t name) {
+static void drop(void* data, struct wl_registry* registry, uint32_t name) {
   (void)data, (void)registry, (void)name;
 }
 
@@ -57,7 +59,7 @@ static void press(uint32_t code, uint32_t pressed) {
   zwlr_virtual_pointer_v1_frame(mouse);
 }
 
-static int obey(const char *line) {
+static int obey(const char* line) {
   char word[16];
   double first, second;
   if (sscanf(line, "%15s %lf %lf", word, &first, &second) != 3) return 0;
@@ -72,9 +74,9 @@ static int obey(const char *line) {
   return 1;
 }
 
-int main(int count, char **words) {
+int main(int count, char** words) {
   static const struct wl_registry_listener listener = {take, drop};
-  struct wl_display *display = wl_display_connect(NULL);
+  struct wl_display* display = wl_display_connect(NULL);
   if (count != 3 || !display) return 2;
   width = (uint32_t)atoi(words[1]);
   height = (uint32_t)atoi(words[2]);

