@@ -60,21 +60,21 @@ class Agent:
         return self.process.poll() is not None
 
     def word_on(self, key):
-        """What it says of one key: the state, and who has it where it names somebody."""
+        """What it says of one key, as a dictionary: `state`, `isWanted`, and `source` or `by` where it names them."""
         keys = self.status().get("mediaKeys", {})
         for account in keys.get("keys", []):
             if account.get("key") == key:
-                return account.get("state", ""), account.get("by", "")
-        for state in ("held", "missing", "released", "absent"):
-            if KEY_CODES[key] in keys.get(state, []):
-                return state, ""
-        return "", ""
+                return account
+        # Older programs have lists of codes.
+        states = [state for state in ("held", "missing", "released", "absent") if KEY_CODES[key] in keys.get(state, [])]
+        return {"state": states[0] if states else "", "isWanted": True}
 
-    def can_be_entrusted(self):
-        custody = self.status().get("mediaKeys", {}).get("custody")
+    def refuses_custody(self):
+        """Whether it says that the desktop's keys cannot be handed over here; programs that say nothing are asked."""
+        custody = self.status().get("mediaKeys", {}).get("custody", "available")
         if isinstance(custody, dict):
-            custody = custody.get("state", custody.get("isAvailable"))
-        return custody in ("available", True)
+            custody = custody.get("state", custody.get("isAvailable", True))
+        return custody not in ("available", True)
 
     def wakeups(self):
         """Voluntary switches so far, thread by thread."""

@@ -19,16 +19,15 @@ class KeyMeasurement:
         lab = self.lab
         if not lab.agent.presents("collapsed"):
             raise Unmeasured("the panel did not come to rest before the key")
-        state, owner = lab.agent.word_on(key)
+        account = lab.agent.word_on(key)
         press = Press(lab.session, lab.monitor, lab.has_x_windows)
         lab.input.press(key)
         shows = self.observe(press)
         lab.take_picture(picture)
         actors = press.actors()
-        taken = "desktop" in actors or press.desktop_took_it() or self.is_grabbed(key, state)
-        word = (state + (f" by {owner}" if owner else "")) or "nothing said"
-        truth = {True: " ✓", False: " ✗", None: ""}[is_true(state, actors, taken)]
-        return f"{who(actors, taken)}; {shows + press.desktop_showed()}; {word}{truth}"
+        taken = "desktop" in actors or press.desktop_took_it() or self.is_grabbed(key, account)
+        truth = {True: " ✓", False: " ✗", None: ""}[is_true(account, actors, taken)]
+        return f"{who(actors, taken)}; {shows + press.desktop_showed()}; {words(account)}{truth}"
 
     def observe(self, press):
         """Whether the agent's indicator came up; waits for whoever acts, and a while for others."""
@@ -44,8 +43,8 @@ class KeyMeasurement:
         watch(0.5, look)
         return bool(shown)
 
-    def is_grabbed(self, key, state):
-        return self.lab.is_x11 and state != "held" and x11.is_taken(KEYSYMS[key])
+    def is_grabbed(self, key, account):
+        return self.lab.is_x11 and account["state"] != "held" and x11.is_taken(KEYSYMS[key])
 
 
 def who(actors, taken):
@@ -54,14 +53,20 @@ def who(actors, taken):
     return "desktop, without effect" if taken else "nobody"
 
 
-def is_true(state, actors, taken):
+def words(account):
+    owner = account.get("by") or account.get("source")
+    return (account["state"] or "nothing said") + (f" ({owner})" if owner else "")
+
+
+def is_true(account, actors, taken):
     """Whether what the agent says of a key agrees with what a press came to."""
+    state, acts = account["state"], "valdrix" in actors
     if state == "held":
         return actors == {"valdrix"}
     if state in ("taken", "missing"):
-        return "valdrix" not in actors and taken
-    if state in ("released", "absent"):
-        return "valdrix" not in actors and not taken
-    if state == "windowSystem":
-        return "valdrix" not in actors
+        return not acts and taken
+    if state == "absent" or state == "released" and account.get("isWanted"):
+        return not acts and not taken
+    if state in ("withheld", "windowSystem", "released"):
+        return not acts
     return None
