@@ -72,3 +72,16 @@ def settings_are_dark(lab, picture):
 
     holds(steady, 6, 0.3)
     return last[0] < DARK, last[0]
+
+
+def measure(lab):
+    """The cell of the table."""
+    make_dark(lab.desktop)
+    is_dark, brightness = settings_are_dark(lab, "settings")
+    if is_dark:
+        return f"yes ({brightness})"
+    lab.agent.end()
+    lab.agent.start()
+    lab.agent.rests()
+    again, _ = settings_are_dark(lab, "settings-restarted")
+    return "only after a new start" if again else f"no ({brightness})"

@@ -6,10 +6,12 @@ build_helpers() {
   mkdir -p "$helpers"
   make_protocol "$lab/protocols/fake-input.xml"
   make_protocol "$root/tests/support/protocols/wlr-virtual-pointer-unstable-v1.xml"
-  make_protocol "$(pkg-config --variable=pkgdatadir wayland-protocols)/stable/xdg-shell/xdg-shell.xml"
+  make_protocol "$(protocols_folder)/stable/xdg-shell/xdg-shell.xml"
   make_helper wayland-input fake-input wlr-virtual-pointer-unstable-v1
   make_helper wayland-window xdg-shell
 }
+
+protocols_folder() { pkg-config --variable=pkgdatadir wayland-protocols; }
 
 # make_protocol XML
 make_protocol() {

@@ -8,7 +8,8 @@ from waiting import Unmeasured
 
 LEFT_BUTTON = 272
 # The kernel's codes; wtype and X servers want names.
-CODES = {"volume-up": 115, "volume-down": 114, "mute": 113, "brightness-up": 225, "brightness-down": 224, "a": 30, "shift": 42}
+CODES = {"volume-up": 115, "volume-down": 114, "mute": 113, "brightness-up": 225, "brightness-down": 224,
+         "a": 30, "shift": 42}
 KEYSYMS = {"volume-up": "XF86AudioRaiseVolume", "volume-down": "XF86AudioLowerVolume", "mute": "XF86AudioMute",
            "brightness-up": "XF86MonBrightnessUp", "brightness-down": "XF86MonBrightnessDown", "a": "a"}
 

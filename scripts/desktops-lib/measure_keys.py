@@ -15,12 +15,27 @@ class KeyMeasurement:
     def all(self, picture):
         return {key: self.lab.attempt(lambda key=key: self.one(key, f"{picture}-{key}")) for key in KEYS}
 
+    def entrusted(self):
+        """The second pass: the keys after `valdrix keys entrust`, and whether they are given back."""
+        if self.lab.agent.refuses_custody():
+            return None
+        done = self.lab.agent.command("keys", "entrust")
+        print("entrust:", done.returncode, (done.stdout + done.stderr).partition("\n")[0], flush=True)
+        if done.returncode:
+            return None
+        holds(lambda: all(self.lab.agent.word_on(key)["state"] == "held" for key in KEYS), 5)
+        cells = self.all("entrusted")
+        print("restore:", self.lab.agent.command("keys", "restore").stdout, flush=True)
+        holds(lambda: self.lab.agent.word_on("volume-up")["state"] != "held", 5)
+        cells["restored"] = self.lab.attempt(lambda: self.one("volume-up", "restored"))
+        return cells
+
     def one(self, key, picture):
         lab = self.lab
         if not lab.agent.presents("collapsed"):
             raise Unmeasured("the panel did not come to rest before the key")
         account = lab.agent.word_on(key)
-        press = Press(lab.session, lab.monitor, lab.has_x_windows)
+        press = Press(lab.session, lab.monitor, lab.is_x11)
         lab.input.press(key)
         shows = self.observe(press)
         lab.take_picture(picture)

@@ -68,7 +68,8 @@ make_calendar() {
 # An indicator stays long enough for a slow machine to look at it, and all the events have room.
 make_preferences() {
   mkdir -p "$XDG_CONFIG_HOME/valdrix" "$XDG_STATE_HOME/valdrix"
-  printf '[General]\nhudDuration=1.6\ncalendarMaxEvents=5\n' >"$XDG_CONFIG_HOME/valdrix/valdrix.conf"
+  printf '[General]\nhudDuration=1.6\ncalendarMaxEvents=5\n' \
+    >"$XDG_CONFIG_HOME/valdrix/valdrix.conf"
   printf 'calendars=allowed\n' >"$XDG_STATE_HOME/valdrix/privacy.conf"
 }
 
@@ -93,7 +94,8 @@ start_login_manager() {
 XML
   start system-bus dbus-daemon --config-file="$session/system-bus.conf" --nofork --nopidfile
   wait_until "the system bus" test -S "$session/system-bus"
-  start login-manager /usr/bin/python3 "$lab/login_manager.py" "$VALDRIX_SYSFS" "$session/brightness.log"
+  start login-manager /usr/bin/python3 "$lab/login_manager.py" "$VALDRIX_SYSFS" \
+    "$session/brightness.log"
   wait_until "the login manager" bus_has --system org.freedesktop.login1
 }
 

@@ -68,7 +68,8 @@ def main():
     parser.add_argument("results", type=pathlib.Path)
     parser.add_argument("--docs", type=pathlib.Path)
     options = parser.parse_args()
-    rows = [(name, json.loads(file.read_text())) for name in NAMES if (file := options.results / name / "row.json").exists()]
+    files = {name: options.results / name / "row.json" for name in NAMES}
+    rows = [(name, json.loads(file.read_text())) for name, file in files.items() if file.exists()]
     text = document(rows)
     (options.results / "table.md").write_text(text)
     if options.docs:

@@ -95,5 +95,6 @@ def tray_items():
     properties = dbus.Interface(bus.get_object(name, "/StatusNotifierWatcher"), "org.freedesktop.DBus.Properties")
     items = [str(item).split("/")[0] for item in properties.Get(name, "RegisteredStatusNotifierItems")]
     owners = [bus.call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                "GetConnectionUnixProcessID", "s", (item,)) for item in items if bus.name_has_owner(item)]
+                                "GetConnectionUnixProcessID", "s", (item,))
+              for item in items if bus.name_has_owner(item)]
     return bool(properties.Get(name, "IsStatusNotifierHostRegistered")), [is_agent(owner) for owner in owners]

@@ -51,7 +51,8 @@ def docked(name):
         for child in window.query_tree().children:
             try:
                 words = child.get_wm_class() or ("", "")
-                if depth and any(name in word for word in words) and child.get_full_property(embedding, X.AnyPropertyType):
+                is_named = depth and any(name in word for word in words)
+                if is_named and child.get_full_property(embedding, X.AnyPropertyType):
                     return True
                 if depth < 5 and has(child, depth + 1):
                     return True
