@@ -123,19 +123,46 @@ QString name(desktop::KeyState state) {
   return "released";
 }
 
+QString name(desktop::KeyCustody::Place place) {
+  switch (place) {
+    case desktop::KeyCustody::Place::entrusted:
+      return "entrusted";
+    case desktop::KeyCustody::Place::impossible:
+      return "impossible";
+    case desktop::KeyCustody::Place::desktop:
+      break;
+  }
+  return "desktop";
+}
+
+QString word(platform::MediaKey key) {
+  const auto text = platform::wordOf(key);
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QJsonObject custodyObject(const desktop::KeyCustody::State& custody) {
+  QJsonObject places;
+  for (const auto& [key, place] : custody.places) places[word(key)] = name(place);
+  return {{"isAvailable", !custody.places.empty()},
+          {"isEntrusted", custody.isEntrusted},
+          {"isBusy", custody.isBusy},
+          {"hasFailed", custody.hasFailed},
+          {"places", places},
+          {"note", QString::fromStdString(custody.note)}};
+}
+
 QJsonObject keysObject(const AppDelegate& app, const desktop::DesktopPlatform& platform) {
   const auto account = platform.mediaKeys().account();
   QJsonArray keys;
   for (const auto& entry : account.keys) {
-    const auto word = platform::wordOf(entry.key);
-    keys.append(
-        QJsonObject{{"key", QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size()))},
-                    {"isWanted", entry.isWanted},
-                    {"state", name(entry.state)},
-                    {"source", QString::fromStdString(entry.source)}});
+    keys.append(QJsonObject{{"key", word(entry.key)},
+                            {"isWanted", entry.isWanted},
+                            {"state", name(entry.state)},
+                            {"source", QString::fromStdString(entry.source)}});
   }
   return {{"isTapInstalled", app.mediaKeyMonitor().isTapInstalled()},
           {"isComplete", account.isComplete()},
+          {"custody", custodyObject(platform.keyCustody().state())},
           {"keys", keys}};
 }
 

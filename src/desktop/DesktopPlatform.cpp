@@ -19,7 +19,9 @@
 #endif
 #include "desktop/keys/CommandedKeys.h"
 #include "desktop/session/NoUrlSession.h"
+#include "desktop/shortcuts/KGlobalAccelKeys.h"
 #include "desktop/shortcuts/SessionKeyCustody.h"
+#include "desktop/shortcuts/ShortcutKeys.h"
 #include "desktop/vdir/VdirSource.h"
 
 namespace valdrix::desktop {
@@ -59,10 +61,23 @@ std::unique_ptr<platform::UrlSession> makeUrlSession(platform::RunLoop& runLoop)
 #endif
 }
 
-/// In the order in which they are asked for a key.
-std::vector<KeySource::Maker> keySources(WindowSystem& windowSystem) {
-  std::vector<KeySource::Maker> sources;
-  if (auto source = windowSystem.keySource()) sources.push_back(std::move(source));
+/// In the order in which they are asked for a key. What the desktop has is not taken from it before
+/// the user says so: who is first at a login would be a matter of chance.
+std::vector<KeySource::Maker> keySources(WindowSystem& windowSystem, SessionBus& bus,
+                                         DesktopKeyCustody& custody) {
+  std::vector<KeySource::Maker> sources{
+      [&bus, &custody](KeySource::Events events) {
+        const auto isEntrusted = [&custody](platform::MediaKey key) {
+          return custody.leavesToShortcuts() && custody.state().leaves(key);
+        };
+        return std::make_unique<KGlobalAccelKeys>(bus, isEntrusted, std::move(events));
+      },
+      [&custody](KeySource::Events events) {
+        return std::make_unique<ShortcutKeys>(custody, std::move(events));
+      }};
+  if (auto source = windowSystem.keySource(
+          [&custody](platform::MediaKey key) { return !custody.state().reserves(key); }))
+    sources.push_back(std::move(source));
   sources.emplace_back([](const KeySource::Events&) { return std::make_unique<CommandedKeys>(); });
   return sources;
 }
@@ -135,10 +150,12 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
       housings_(CameraHousings::Sources::fromEnvironment()),
       housingsWatch_(housings_.userFile(), [this] { housings_.reread(); }),
       windowSystem_(windowSystem.make(runLoop, textMetrics_, housings_)),
-      mediaKeys_(runLoop, keySources(*windowSystem_)),
+      mediaKeys_(runLoop, keySources(*windowSystem_, bus, *keyCustody_)),
       keyLossNotice_(mediaKeys_, privacyRecord_, notification_, runLoop),
-      privacySettings_(
-          {.eventStore = eventStore_, .record = privacyRecord_, .mediaKeys = mediaKeys_}),
+      privacySettings_({.eventStore = eventStore_,
+                        .record = privacyRecord_,
+                        .mediaKeys = mediaKeys_,
+                        .custody = keyCustody_.get()}),
       preferencesObserver_(userDefaults_.observeChanges([this] { mediaKeys_.reconsider(); })),
       ports_{.runLoop = runLoop,
              .application = application_,
@@ -165,6 +182,15 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
   connectMenu();
   connectBacklight();
   connectTheme();
+  connectCustody(runLoop);
+}
+
+void DesktopPlatform::connectCustody(platform::RunLoop& runLoop) {
+  const auto tell = [this] { keyCustody_->setWanted(mediaKeys_.wanted()); };
+  accountObserver_ = mediaKeys_.observeAccount(tell);
+  custodyObserver_ = keyCustody_->observe([this] { mediaKeys_.reconsider(); });
+  // After the start, when it is known which keys are wanted.
+  runLoop.async(lifetime_.weak(tell));
 }
 
 void DesktopPlatform::connectBacklight() {

@@ -58,6 +58,7 @@ class DesktopPlatform {
   [[nodiscard]] PrivacySettings& privacySettings() { return privacySettings_; }
   /// The desktop's own hold on the media keys.
   [[nodiscard]] DesktopKeyCustody& keyCustody() { return *keyCustody_; }
+  [[nodiscard]] const DesktopKeyCustody& keyCustody() const { return *keyCustody_; }
   /// Which backend serves each port, by the port's name.
   [[nodiscard]] QJsonObject backends() const;
 
@@ -82,6 +83,8 @@ class DesktopPlatform {
   void connectBacklight();
   /// Has the windows follow the window system's theme.
   void connectTheme();
+  /// Has the desktop leave the keys that are wanted, where the user has said so.
+  void connectCustody(platform::RunLoop& runLoop);
 
   const std::string choice_;
 
@@ -117,6 +120,9 @@ class DesktopPlatform {
   Token backlightObserver_;
   Token trayObserver_;
   Token themeObserver_;
+  Token accountObserver_;
+  Token custodyObserver_;
+  Lifetime lifetime_;
   platform::Platform ports_;
 };
 

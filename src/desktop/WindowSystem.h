@@ -36,8 +36,12 @@ class WindowSystem {
   // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
   [[nodiscard]] virtual Token observeTray(std::function<void()> /*block*/) { return {}; }
   /// What makes the source of the media keys that the window system itself gives; empty where it
-  /// gives them to no program.
-  [[nodiscard]] virtual KeySource::Maker keySource() { return {}; }
+  /// gives them to no program. `mayTake`: whether a key may be taken before the desktop has it.
+  [[nodiscard]] virtual KeySource::Maker keySource(
+      // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
+      std::function<bool(platform::MediaKey)> /*mayTake*/) {
+    return {};
+  }
   /// The name of the theme that the window system has programs use, empty when it has none, and a
   /// call whenever that changes.
   [[nodiscard]] virtual std::string themeName() const { return {}; }

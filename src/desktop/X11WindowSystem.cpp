@@ -23,9 +23,9 @@ QJsonObject X11WindowSystem::backends() const {
   return {{"screens", "x11"}, {"panelWindows", panel}, {"pointer", "x11"}, {"cursor", "x11"}};
 }
 
-KeySource::Maker X11WindowSystem::keySource() {
-  return [this](KeySource::Events events) {
-    return std::make_unique<X11Keys>(std::string(), runLoop_, std::move(events));
+KeySource::Maker X11WindowSystem::keySource(std::function<bool(platform::MediaKey)> mayTake) {
+  return [this, mayTake = std::move(mayTake)](KeySource::Events events) {
+    return std::make_unique<X11Keys>(std::string(), runLoop_, mayTake, std::move(events));
   };
 }
 

@@ -30,7 +30,8 @@ class X11WindowSystem final : public WindowSystem {
   [[nodiscard]] Token observeTray(std::function<void()> block) override {
     return desktop_.tray.observeChanges(std::move(block));
   }
-  [[nodiscard]] KeySource::Maker keySource() override;
+  [[nodiscard]] KeySource::Maker keySource(
+      std::function<bool(platform::MediaKey)> mayTake) override;
   [[nodiscard]] std::string themeName() const override { return desktop_.theme.name(); }
   [[nodiscard]] Token observeTheme(std::function<void()> block) override {
     return desktop_.theme.observeChanges(std::move(block));

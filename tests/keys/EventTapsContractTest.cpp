@@ -99,8 +99,9 @@ class X11Desk {
   tests::X11KeyDesk desk_;
   desktop::QtRunLoop loop_;
   desktop::MediaKeyTaps taps_{loop_, {[this](desktop::KeySource::Events events) {
-                                return std::make_unique<desktop::X11Keys>(desk_.display().name(),
-                                                                          loop_, std::move(events));
+                                return std::make_unique<desktop::X11Keys>(
+                                    desk_.display().name(), loop_, [](auto) { return true; },
+                                    std::move(events));
                               }}};
   int promptCount_ = 0;
   std::optional<tests::OtherGrabber> other_;

@@ -72,8 +72,8 @@ class X11EventTapsTest : public tests::TapTest {
   std::unique_ptr<desktop::MediaKeyTaps> makeTaps() {
     return std::make_unique<desktop::MediaKeyTaps>(
         loop_, std::vector<desktop::KeySource::Maker>{[this](desktop::KeySource::Events events) {
-          return std::make_unique<desktop::X11Keys>(desk_.display().name(), loop_,
-                                                    std::move(events));
+          return std::make_unique<desktop::X11Keys>(
+              desk_.display().name(), loop_, [](auto) { return true; }, std::move(events));
         }});
   }
   /// The names of the keys that stand like this.

@@ -32,6 +32,17 @@ class KeyCustody {
     /// What did not work, or cannot, and what helps, for the user; may be empty.
     std::string note;
     bool operator==(const State&) const = default;
+
+    /// Whether the desktop leaves the key, with the user's consent.
+    [[nodiscard]] bool leaves(platform::MediaKey key) const {
+      const auto place = places.find(key);
+      return isEntrusted && place != places.end() && place->second == Place::entrusted;
+    }
+    /// Whether the desktop has the key, or will want it back.
+    [[nodiscard]] bool reserves(platform::MediaKey key) const {
+      const auto place = places.find(key);
+      return place != places.end() && place->second != Place::impossible && !leaves(key);
+    }
   };
 
   virtual ~KeyCustody() = default;

@@ -39,6 +39,8 @@ class MediaKeyTaps final : public platform::EventTaps, public platform::Accessib
   /// the answer may have changed; keys given up are the desktop's when it returns.
   void reconsider();
   [[nodiscard]] KeyAccount account() const;
+  /// The keys that the program would act on.
+  [[nodiscard]] const std::set<platform::MediaKey>& wanted() const { return wanted_; }
   /// Calls `block` in a turn of its own after the account has changed.
   [[nodiscard]] Token observeAccount(std::function<void()> block) {
     return observers_.add(std::move(block));

@@ -132,6 +132,11 @@ view::FormSection KeyAccessTab::indicator() const {
         {.content = view::FormText{"Ce bureau n'en a pas de connu", view::Prominence::secondary}});
     return section;
   }
+  if (indicator_->cause == DesktopIndicator::Cause::none) {
+    section.header = indicator_->desktop;
+    section.rows.push_back({.content = view::FormText{indicator_->remedy}});
+    return section;
+  }
   const bool isShown =
       indicator_->cause == DesktopIndicator::Cause::anyChange || !account.isComplete();
   section.rows.push_back(

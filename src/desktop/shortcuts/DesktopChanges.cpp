@@ -144,6 +144,40 @@ std::vector<SettingChange> gnomeChanges(const KnownDesktop::Keys& keys,
   return changes;
 }
 
+// Plain and with Shift, as Qt numbers them. The actions with a name that ends in "small" are newer
+// than Plasma 5.27.
+std::vector<SettingChange> plasmaChanges(const KnownDesktop::Keys& keys, const std::string&) {
+  struct Row {
+    MediaKey key;
+    int qtKey;
+    const char* action;
+    bool isOptional;
+  };
+  constexpr Row rows[]{
+      {MediaKey::volumeUp, 0x01000072, "kmix/increase_volume", false},
+      {MediaKey::volumeUp, 0x01000072, "kmix/increase_volume_small", true},
+      {MediaKey::volumeDown, 0x01000070, "kmix/decrease_volume", false},
+      {MediaKey::volumeDown, 0x01000070, "kmix/decrease_volume_small", true},
+      {MediaKey::mute, 0x01000071, "kmix/mute", false},
+      {MediaKey::brightnessUp, 0x010000b2, "org_kde_powerdevil/Increase Screen Brightness", true},
+      {MediaKey::brightnessUp, 0x010000b2, "org_kde_powerdevil/Increase Screen Brightness Small",
+       true},
+      {MediaKey::brightnessDown, 0x010000b3, "org_kde_powerdevil/Decrease Screen Brightness", true},
+      {MediaKey::brightnessDown, 0x010000b3, "org_kde_powerdevil/Decrease Screen Brightness Small",
+       true}};
+  constexpr int shift = 0x02000000;
+  Changes changes;
+  for (const auto& row : rows)
+    if (keys.contains(row.key))
+      changes.push_back({.store = "kglobalaccel",
+                         .setting = row.action,
+                         .kind = Kind::remove,
+                         .texts = {std::to_string(row.qtKey), std::to_string(row.qtKey + shift)},
+                         .keys = {row.key},
+                         .isOptional = row.isOptional});
+  return changes;
+}
+
 std::vector<SettingChange> xfceChanges(const KnownDesktop::Keys& keys, const std::string&) {
   Changes changes;
   for (const auto* const name : {"enable-keyboard-shortcuts", "show-notifications"})

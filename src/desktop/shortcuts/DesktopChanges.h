@@ -16,6 +16,10 @@ namespace valdrix::desktop {
 /// whole keyboard.
 [[nodiscard]] std::vector<SettingChange> gnomeChanges(const KnownDesktop::Keys& keys,
                                                       const std::string& program);
+/// Plasma's global shortcuts (tried: 5.27; those of Plasma 6 are known from its users'
+/// configurations). The keys become this program's own global shortcuts.
+[[nodiscard]] std::vector<SettingChange> plasmaChanges(const KnownDesktop::Keys& keys,
+                                                       const std::string& program);
 /// Xfce's PulseAudio plug-in of the panel (tried: 0.4.5), which has the three volume keys or none
 /// and notifies of any change of the volume.
 [[nodiscard]] std::vector<SettingChange> xfceChanges(const KnownDesktop::Keys& keys,

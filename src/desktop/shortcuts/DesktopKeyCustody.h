@@ -43,6 +43,8 @@ class DesktopKeyCustody final : public KeyCustody {
 
   /// Whether keys that are entrusted come as commands.
   [[nodiscard]] bool sendsCommands() const { return desktop_ && desktop_->sendsCommands; }
+  /// Whether they come as the desktop's global shortcuts.
+  [[nodiscard]] bool leavesToShortcuts() const { return desktop_ && desktop_->leavesToShortcuts; }
 
  private:
   using Changes = SettingStores::Changes;

@@ -32,7 +32,10 @@ KnownDesktop plasma() {
       .id = "KDE",
       .indicator = {"Plasma", Cause::ownKeys,
                     "Dans la Configuration du système, à la page Raccourcis, retire les touches "
-                    "de « Volume audio » et de « Gestion de l'énergie »."}};
+                    "de « Volume audio » et de « Gestion de l'énergie »."},
+      .changes = &plasmaChanges,
+      .keys = allKeys,
+      .leavesToShortcuts = true};
 }
 
 KnownDesktop xfce() {

@@ -32,6 +32,8 @@ struct KnownDesktop {
   std::string keptNote = {};
   /// Whether keys that it leaves come as commands.
   bool sendsCommands = false;
+  /// Whether keys that it leaves come as its global shortcuts.
+  bool leavesToShortcuts = false;
 };
 
 /// The first of `desktops`, named as in XDG_CURRENT_DESKTOP, that is known; null when none is.

@@ -4,6 +4,7 @@
 
 #include "desktop/session/XdgLoginItem.h"
 #include "desktop/shortcuts/GSettings.h"
+#include "desktop/shortcuts/KGlobalAccelSettings.h"
 #include "desktop/shortcuts/KnownDesktop.h"
 #include "desktop/shortcuts/Xfconf.h"
 
@@ -13,6 +14,7 @@ std::unique_ptr<DesktopKeyCustody> sessionKeyCustody(platform::RunLoop& runLoop,
   DesktopKeyCustody::Stores stores;
   stores.push_back(std::make_unique<GSettings>());
   stores.push_back(std::make_unique<Xfconf>(bus, runLoop));
+  stores.push_back(std::make_unique<KGlobalAccelSettings>(bus));
   return std::make_unique<DesktopKeyCustody>(runLoop, std::move(stores),
                                              knownDesktop(sessionDesktops()),
                                              XdgLoginItem::installedProgram().toStdString());

@@ -17,10 +17,7 @@ class ShortcutKeys final : public KeySource {
 
   [[nodiscard]] std::string name() const override { return "desktop-shortcuts"; }
   [[nodiscard]] bool offers(platform::MediaKey key) const override {
-    const auto places = custody_.state().places;
-    const auto place = places.find(key);
-    return custody_.sendsCommands() && place != places.end() &&
-           place->second == KeyCustody::Place::entrusted;
+    return custody_.sendsCommands() && custody_.state().leaves(key);
   }
   void hold(const std::set<platform::MediaKey>&) override {}
   [[nodiscard]] KeyState state(platform::MediaKey) const override { return KeyState::held; }

@@ -43,9 +43,11 @@ std::uint16_t coreState(const xcb_input_key_press_event_t& event) {
 
 }  // namespace
 
-X11Keys::X11Keys(const std::string& display, platform::RunLoop& runLoop, Events events)
+X11Keys::X11Keys(const std::string& display, platform::RunLoop& runLoop, MayTake mayTake,
+                 Events events)
     : connection_(xcb_connect(display.empty() ? nullptr : display.c_str(), nullptr)),
       runLoop_(runLoop),
+      mayTake_(std::move(mayTake)),
       events_(std::move(events)),
       grabs_(connection_.get()) {
   if (!xcb_connection_has_error(connection_.get())) setUp();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -31,13 +32,19 @@ namespace valdrix::desktop {
 /// and nothing arrives: there it offers nothing. Main thread only.
 class X11Keys final : public KeySource {
  public:
+  /// Whether a key may be taken before anybody else has it; when the answer changes, whoever made
+  /// the source asks `offers` again.
+  using MayTake = std::function<bool(platform::MediaKey)>;
+
   /// Connects to `display` (empty: what DISPLAY says). `runLoop` outlives it.
-  X11Keys(const std::string& display, platform::RunLoop& runLoop, Events events);
+  X11Keys(const std::string& display, platform::RunLoop& runLoop, MayTake mayTake, Events events);
   X11Keys(const X11Keys&) = delete;
   X11Keys& operator=(const X11Keys&) = delete;
 
   [[nodiscard]] std::string name() const override { return "x11-grabs"; }
-  [[nodiscard]] bool offers(platform::MediaKey) const override { return isUsable(); }
+  [[nodiscard]] bool offers(platform::MediaKey key) const override {
+    return isUsable() && mayTake_(key);
+  }
   /// Waits for the server only for keys that are not held yet.
   void hold(const std::set<platform::MediaKey>& keys) override;
   [[nodiscard]] KeyState state(platform::MediaKey key) const override;
@@ -60,6 +67,7 @@ class X11Keys final : public KeySource {
 
   XcbConnection connection_;
   platform::RunLoop& runLoop_;
+  MayTake mayTake_;
   Events events_;
   std::uint8_t xinputOpcode_ = 0;  ///< 0: no keys are to be had here
   std::uint8_t xkbEventType_ = 0;
