@@ -33,7 +33,9 @@ namespace audioAddress {
 /// On the system object: the ID of the device that sound goes to, an unsigned integer.
 inline constexpr AudioObjectPropertyAddress defaultOutputDevice{fourCharacterCode("dOut"),
                                                                 fourCharacterCode("glob"), 0};
-/// On a device: its volume, a float from 0 to 1 (the full level without amplification).
+/// On a device: its volume, a float from 0 to 1 (the full level without amplification). It reads
+/// above 1 while another program amplifies. Writing 1 then changes nothing, because whoever asks
+/// for as much as there is does not want less; the default device's listeners are told instead.
 inline constexpr AudioObjectPropertyAddress volume{fourCharacterCode("volm"),
                                                    fourCharacterCode("outp"), 0};
 /// On a device: unsigned integer, not 0 when muted.

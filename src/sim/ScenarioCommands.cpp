@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <span>
 #include <string>
 #include <utility>
@@ -22,6 +23,8 @@ constexpr unsigned mostDisplays = 1000;
 constexpr unsigned mostRepeats = 1000;
 constexpr unsigned mostSteps = 100000;
 constexpr unsigned mostKeyCode = 0xFFFF;
+constexpr double longestAnswer = 3600;
+constexpr double loudestVolume = 10;
 
 // Screens
 
@@ -87,7 +90,7 @@ Action parseDevice(ScenarioWords& words) {
     return [](ScenarioPlayer& player) { player.desktop().audioHardware.setDefaultDevice(0); };
   const auto name = words.take("le nom du périphérique");
   if (verb == 0) return parseNewDevice(words, name);
-  const float volume = verb == 4 ? words.takeLevel() : 0;
+  const double volume = verb == 4 ? words.takeNumber("un niveau de 0 à 10", 0, loudestVolume) : 0;
   return [verb, name, volume](ScenarioPlayer& player) {
     const auto device = deviceNamed(player, name);
     SimAudioHardware& audio = player.desktop().audioHardware;
@@ -97,7 +100,7 @@ Action parseDevice(ScenarioWords& words) {
       case 2:
         return audio.setDefaultDevice(device);
       case 4:
-        return audio.changeVolume(device, volume);
+        return audio.changeVolume(device, static_cast<float>(volume));
       case 5:
         return audio.changeMute(device, true);
       case 6:
@@ -108,8 +111,17 @@ Action parseDevice(ScenarioWords& words) {
   };
 }
 
+Action parseAudioAnswers(ScenarioWords& words) {
+  const auto choice = words.takeChoice({"at-once", "late", "never"});
+  double delay = choice == 2 ? std::numeric_limits<double>::infinity() : 0;
+  if (choice == 1) delay = words.takeNumber("un nombre de secondes", 0, longestAnswer);
+  return [delay](ScenarioPlayer& player) { player.desktop().audioHardware.setAnswerDelay(delay); };
+}
+
 Action parseAudio(ScenarioWords& words) {
-  const bool isRead = words.takeChoice({"reads", "writes"}) == 0;
+  const auto what = words.takeChoice({"reads", "writes", "answers"});
+  if (what == 2) return parseAudioAnswers(words);
+  const bool isRead = what == 0;
   const auto state =
       isRead ? words.takeChoice({"work", "fail"}) : words.takeChoice({"work", "fail", "are-lost"});
   return [isRead, state](ScenarioPlayer& player) {

@@ -18,7 +18,7 @@ constexpr AudioStatus failure = -1;
 
 }  // namespace
 
-SimAudioHardware::SimAudioHardware(Trace& trace, platform::RunLoop& runLoop)
+SimAudioHardware::SimAudioHardware(Trace& trace, ManualRunLoop& runLoop)
     : trace_(trace), runLoop_(runLoop) {}
 
 AudioObjectID SimAudioHardware::addDevice(std::string_view name, std::optional<float> volume,
@@ -47,20 +47,42 @@ AudioObjectID SimAudioHardware::device(std::string_view name) const {
 }
 
 void SimAudioHardware::setDefaultDevice(AudioObjectID device) {
-  const auto chosen = present(device) ? device : 0;
-  if (std::exchange(defaultDevice_, chosen) != chosen)
-    notify(platform::audioSystemObject, audioAddress::defaultOutputDevice);
+  happen([this, device] {
+    const auto chosen = present(device) ? device : 0;
+    if (std::exchange(defaultDevice_, chosen) != chosen)
+      notify(platform::audioSystemObject, audioAddress::defaultOutputDevice);
+  });
 }
 
 void SimAudioHardware::changeVolume(AudioObjectID device, std::optional<float> volume) {
-  Device* found = present(device);
-  if (found && std::exchange(found->volume, volume) != volume) notify(device, audioAddress::volume);
+  happen([this, device, volume] {
+    Device* found = present(device);
+    if (found && std::exchange(found->volume, volume) != volume)
+      notify(device, audioAddress::volume);
+  });
 }
 
 void SimAudioHardware::changeMute(AudioObjectID device, bool isMuted) {
-  Device* found = present(device);
-  if (found && std::exchange(found->isMuted, isMuted) != isMuted)
-    notify(device, audioAddress::mute);
+  happen([this, device, isMuted] {
+    Device* found = present(device);
+    if (found && std::exchange(found->isMuted, isMuted) != isMuted)
+      notify(device, audioAddress::mute);
+  });
+}
+
+void SimAudioHardware::setAnswerDelay(double delay) {
+  answerDelay_ = delay;
+  if (std::isinf(delay)) return;
+  for (const auto& change : std::exchange(heldBack_, {})) change();
+}
+
+void SimAudioHardware::happen(std::function<void()> change) {
+  if (std::isinf(answerDelay_))
+    heldBack_.push_back(std::move(change));
+  else if (answerDelay_ > 0)
+    late_.push_back(runLoop_.scheduleDesktopTimer(answerDelay_, std::move(change)));
+  else
+    change();
 }
 
 void SimAudioHardware::notify(AudioObjectID object, const AudioObjectPropertyAddress& address) {
@@ -111,7 +133,9 @@ AudioStatus SimAudioHardware::setPropertyData(AudioObjectID object,
                           address == audioAddress::volume && !std::isnan(value);
   const AudioStatus status = isPossible ? success : failure;
   traceWrite(object, "volume " + formatNumber(static_cast<double>(value)), status);
-  if (status == success && !writesAreLost_)
+  if (isPossible && value >= 1 && *device->volume > 1)
+    notify(platform::audioSystemObject, audioAddress::defaultOutputDevice);
+  else if (status == success && !writesAreLost_)
     runLoop_.async(lifetime_.weak(
         [this, object, level = std::clamp(value, 0.0F, 1.0F)] { changeVolume(object, level); }));
   return status;

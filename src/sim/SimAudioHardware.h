@@ -1,14 +1,17 @@
 #pragma once
 
+#include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "observation/Lifetime.h"
 #include "platform/AudioHardware.h"
 #include "platform/AudioPropertyListeners.h"
-#include "platform/RunLoop.h"
+#include "sim/ManualRunLoop.h"
 #include "sim/Trace.h"
 
 namespace valdrix::sim {
@@ -19,7 +22,7 @@ class SimAudioHardware final : public platform::AudioHardware {
  public:
   using AudioObjectID = platform::AudioObjectID;
 
-  SimAudioHardware(Trace& trace, platform::RunLoop& runLoop);
+  SimAudioHardware(Trace& trace, ManualRunLoop& runLoop);
 
   /// Plugs a device in; the first becomes the default. Without a `volume` the device has none.
   AudioObjectID addDevice(std::string_view name, std::optional<float> volume, bool isMuted = false);
@@ -37,6 +40,10 @@ class SimAudioHardware final : public platform::AudioHardware {
   /// While set, every read or write of a device fails.
   void setReadsFail(bool fail) { readsFail_ = fail; }
   void setWritesFail(bool fail) { writesFail_ = fail; }
+  /// How many seconds after the fact what is written takes effect and what others change is known:
+  /// 0 as long as the sound server is well, infinity while it hangs. Once that ends, all that was
+  /// held back happens in its order.
+  void setAnswerDelay(double delay);
   /// While set, writes are accepted and come to nothing.
   void setWritesAreLost(bool areLost) { writesAreLost_ = areLost; }
   /// Calls the listeners of a property that did not change.
@@ -68,16 +75,21 @@ class SimAudioHardware final : public platform::AudioHardware {
 
   [[nodiscard]] Device* present(AudioObjectID device);
   [[nodiscard]] const Device* present(AudioObjectID device) const;
+  /// Runs `change` when the sound server says so; while it is well, now.
+  void happen(std::function<void()> change);
   void traceWrite(AudioObjectID object, std::string_view what, platform::AudioStatus status);
 
   Trace& trace_;
-  platform::RunLoop& runLoop_;
+  ManualRunLoop& runLoop_;
   platform::AudioPropertyListeners listeners_;
   std::map<AudioObjectID, Device> devices_;
   AudioObjectID defaultDevice_ = 0;
   bool readsFail_ = false;
   bool writesFail_ = false;
   bool writesAreLost_ = false;
+  double answerDelay_ = 0;
+  std::deque<std::function<void()>> heldBack_;
+  std::vector<Token> late_;
   Lifetime lifetime_;
 };
 
