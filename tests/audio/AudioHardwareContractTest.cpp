@@ -52,6 +52,8 @@ class SimulatedWorld {
     hardware_.changeMute(device(name), isMuted);
     return true;
   }
+  void pause() { hardware_.setAnswerDelay(std::numeric_limits<double>::infinity()); }
+  void resume() { hardware_.setAnswerDelay(0.05); }
 
  private:
   AudioObjectID device(const char* name) { return hardware_.device(name); }
@@ -162,12 +164,11 @@ TYPED_TEST(AudioHardwareContract, AnotherProgramsChangesAreHeardOf) {
   ASSERT_TRUE(this->world_.setVolume("desk", {1.5F}));
   EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) > 1.49F; })) << "amplified";
 
-  // Ours, then theirs: the last one stands.
-  ASSERT_TRUE(probe.setVolume(desk, 0.5F));
-  ASSERT_TRUE(this->runUntil([&] { return probe.volume(desk) == 0.5F; }));
-  ASSERT_TRUE(this->world_.setVolume("desk", {0.75F}));
-  EXPECT_TRUE(this->runUntil([&] { return probe.volume(desk) == 0.75F; }));
-  EXPECT_EQ(probe.defaultNotices, 0);
+  ASSERT_TRUE(probe.setVolume(desk, 1));
+  ASSERT_TRUE(probe.setMuted(desk, false));
+  EXPECT_TRUE(this->runUntil([&] { return probe.isMuted(desk) == false; }));
+  EXPECT_GT(probe.volume(desk), 1.49F) << "as loud as can be is no wish for less";
+  EXPECT_EQ(probe.defaultNotices, 1) << "so that whoever asked hears of it";
 }
 
 TYPED_TEST(AudioHardwareContract, OnlyWhatChangedIsTold) {
@@ -186,17 +187,18 @@ TYPED_TEST(AudioHardwareContract, OnlyWhatChangedIsTold) {
   EXPECT_EQ(probe.defaultNotices, 2) << "one for each change of the default in passTurn";
 }
 
-TYPED_TEST(AudioHardwareContract, ABurstOfWritesEndsAtTheLastOne) {
+TYPED_TEST(AudioHardwareContract, AServerThatHangsTakesTheLastOfWhatWasWritten) {
   auto& probe = this->probe_;
-  for (int i = 100; i >= 1; --i) {
-    ASSERT_TRUE(probe.setVolume(this->desk_, float(i) / 128));
-    if (i % 10 == 0) {
-      EXPECT_TRUE(this->runUntil([turn = false]() mutable { return std::exchange(turn, true); }));
-    }
+  this->world_.pause();
+  for (const float volume : {0.75F, 0.5F, 0.25F}) {
+    ASSERT_TRUE(probe.setVolume(this->desk_, volume));
+    EXPECT_TRUE(this->runUntil([turn = false]() mutable { return std::exchange(turn, true); }));
+    EXPECT_EQ(probe.volume(this->desk_), 1.0F);
   }
-  EXPECT_TRUE(this->runUntil([&] { return probe.volume(this->desk_) == 1.0F / 128; }));
+  this->world_.resume();
+  EXPECT_TRUE(this->runUntil([&] { return probe.volume(this->desk_) == 0.25F; }));
   this->passTurn();
-  EXPECT_EQ(probe.volume(this->desk_), 1.0F / 128);
+  EXPECT_EQ(probe.volume(this->desk_), 0.25F);
 }
 
 TYPED_TEST(AudioHardwareContract, TheDefaultDeviceGoesAndComesBack) {
@@ -228,28 +230,6 @@ TYPED_TEST(AudioHardwareContract, TheDefaultDeviceGoesAndComesBack) {
   EXPECT_NE(probe.defaultDevice(), desk);
   EXPECT_NE(probe.defaultDevice(), head);
   EXPECT_EQ(probe.volume(probe.defaultDevice()), 1.0F);
-}
-
-TYPED_TEST(AudioHardwareContract, ListenersMayComeAndGoWhileTheyAreCalled) {
-  auto& hardware = this->world_.hardware();
-  std::string calls;
-  Token second;
-  Token third;
-  Token first = hardware.addPropertyListenerBlock(this->desk_, audioAddress::volume, [&] {
-    calls += '1';
-    second.reset();
-    first.reset();
-    third =
-        hardware.addPropertyListenerBlock(this->desk_, audioAddress::volume, [&] { calls += '3'; });
-  });
-  second =
-      hardware.addPropertyListenerBlock(this->desk_, audioAddress::volume, [&] { calls += '2'; });
-  ASSERT_TRUE(this->probe_.setVolume(this->desk_, 0.5F));
-  ASSERT_TRUE(this->runUntil([&] { return !calls.empty(); }));
-  EXPECT_EQ(calls, "1");
-  ASSERT_TRUE(this->probe_.setVolume(this->desk_, 0.25F));
-  ASSERT_TRUE(this->runUntil([&] { return calls.size() > 1; }));
-  EXPECT_EQ(calls, "13");
 }
 
 }  // namespace

@@ -1,12 +1,11 @@
-// The rules of the sound server's adapter that need no server: what is believed when, which device
-// is which, and how a balance lasts.
+// The rules of the sound server's adapter that need no server: what is believed when, and what is
+// asked again.
 
 #include <cmath>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
-#include "desktop/audio/ChannelBalance.h"
 #include "desktop/audio/PulseDevices.h"
 #include "desktop/audio/SecondLook.h"
 #include "desktop/audio/SnapshotGate.h"
@@ -26,8 +25,11 @@ pa_cvolume volumeOf(std::vector<double> channels) {
 using Sinks = std::vector<std::pair<std::string, double>>;
 
 /// The first sink is the default.
-PulseSnapshot serverWith(std::uint64_t connection, const Sinks& sinks) {
-  PulseSnapshot snapshot{connection, sinks.empty() ? "@DEFAULT_SINK@" : sinks[0].first, {}};
+PulseSnapshot serverWith(std::uint64_t server, const Sinks& sinks) {
+  PulseSnapshot snapshot{.server = server,
+                         .connection = server,
+                         .defaultSink = sinks.empty() ? "@DEFAULT_SINK@" : sinks[0].first,
+                         .sinks = {}};
   for (const auto& [name, volume] : sinks)
     snapshot.sinks.push_back({name, volumeOf({volume, volume}), false});
   return snapshot;
@@ -50,7 +52,7 @@ class SnapshotGateTest : public testing::Test {
   void follow(const std::vector<Step>& steps) {
     for (const auto& [word, believed] : steps) {
       const auto snapshot = serverWith(word.connection, word.sinks);
-      std::exchange(isFirst_, false) ? gate_.begin(snapshot) : gate_.receive(snapshot);
+      gate_.receive(snapshot);
       loop_.advance(word.pause);
       EXPECT_EQ(std::exchange(believed_, ""), believed) << word.connection << " at " << loop_.now();
     }
@@ -58,7 +60,6 @@ class SnapshotGateTest : public testing::Test {
 
   sim::Trace trace_;
   sim::ManualRunLoop loop_{trace_};
-  bool isFirst_ = true;
   std::string believed_;
   SnapshotGate gate_{
       loop_, [this](const PulseSnapshot& snapshot) {
@@ -90,7 +91,7 @@ TEST_F(SnapshotGateTest, ALoginShowsOnlyItsEnd) {
 }
 
 TEST_F(SnapshotGateTest, UnrestHasAnEnd) {
-  gate_.begin({});
+  gate_.receive({});
   for (int i = 0; i < 30; ++i) {
     gate_.receive(serverWith(1, {{"a", 0.01 * i}}));
     loop_.advance(0.1);
@@ -103,11 +104,24 @@ TEST_F(SnapshotGateTest, ARestartIsNoNews) {
   EXPECT_EQ(loop_.timerCount(), 0U) << "nothing waits while there is no server";
   follow({{{2, {{"auto_null", 1}}, 1}, ""},
           {{2, {{"a", 1}}, 0.1}, ""},
-          {{2, {{"a", 0.5}}, 0}, ""},
-          {{2, {{"a", 0.5}}, 1}, "a50"},
+          {{2, {{"a", 0.5}}, 0}, "a50"},
           // One so quick that its loss was never heard of.
           {{3, {{"b", 1}}, 0.1}, ""},
-          {{3, {{"a", 0.5}}, 1}, "a50"}});
+          {{3, {{"a", 0.4}}, 0.2}, ""},
+          {{3, {{"a", 0.4}}, 1}, "a40"}});
+}
+
+TEST_F(SnapshotGateTest, NothingWaitsWhenTheUserAsksForAChange) {
+  follow({{{1, {{"a", 0.5}, {"b", 1}}, 0}, "a50"}, {{2, {{"a", 1}}, 0}, ""}});
+  gate_.expectChange("a");
+  follow({{{2, {{"a", 0.4}}, 0}, "a40"}, {{3, {{"a", 1}}, 0}, ""}});
+  gate_.expectChange("a");
+  loop_.advance(1);
+  EXPECT_EQ(std::exchange(believed_, ""), "a100") << "what was asked for was there already";
+  follow({{{4, {{"b", 1}, {"a", 1}}, 0}, ""}});
+  gate_.expectChange("a");
+  loop_.runPending();
+  EXPECT_EQ(believed_, "b100") << "where the sound goes now";
 }
 
 TEST_F(SnapshotGateTest, NoOutputIsBelievedWhenItLasts) {
@@ -121,9 +135,24 @@ TEST_F(SnapshotGateTest, NoOutputIsBelievedWhenItLasts) {
 
 class SecondLookTest : public testing::Test {
  protected:
-  void receive(const Word& word) {
-    secondLook_.receive(serverWith(word.connection, word.sinks));
-    loop_.advance(word.pause);
+  struct Step {
+    PulseSnapshot snapshot;
+    double pause;
+    int looks;  ///< so many in the pause
+  };
+  void follow(const std::vector<Step>& steps) {
+    for (const auto& [snapshot, pause, looks] : steps) {
+      secondLook_.receive(snapshot);
+      loop_.advance(pause);
+      EXPECT_EQ(std::exchange(looks_, 0), looks) << "at " << loop_.now();
+    }
+  }
+  static PulseSnapshot pipeWire(std::uint64_t server, std::uint64_t connection,
+                                const Sinks& sinks) {
+    auto snapshot = serverWith(server, sinks);
+    snapshot.connection = connection;
+    snapshot.isPipeWire = true;
+    return snapshot;
   }
 
   sim::Trace trace_;
@@ -132,50 +161,26 @@ class SecondLookTest : public testing::Test {
   SecondLook secondLook_{loop_, [this] { ++looks_; }};
 };
 
-TEST_F(SecondLookTest, ComesOnceAfterAServerHasAppeared) {
-  for (const auto& word : {Word{1, {{"a", 1}}, 2}, {1, {{"b", 1}}, 2}}) receive(word);
-  EXPECT_EQ(looks_, 1);
-  for (const auto& word : {Word{0, {}, 0}, {2, {{"b", 1}}, 0}}) receive(word);
-  EXPECT_EQ(loop_.timerCount(), 0U) << "the connection that was asked for";
-  for (const auto& word : {Word{0, {}, 0}, {3, {{"b", 1}}, 1}, {0, {}, 60}, {4, {}, 60}})
-    receive(word);
-  EXPECT_EQ(looks_, 1) << "nothing to ask, nothing to ask about";
-}
-
-TEST_F(SecondLookTest, IsFollowedByAnotherWhenItFoundWhatWasMissed) {
-  for (const auto& word : {Word{1, {{"a", 1}}, 4}, {0, {}, 0}, {2, {{"b", 1}}, 4}}) receive(word);
-  EXPECT_EQ(looks_, 2);
-  for (const auto& word : {Word{0, {}, 0}, {3, {{"b", 1}}, 60}}) receive(word);
-  EXPECT_EQ(looks_, 2);
+TEST_F(SecondLookTest, ComesAfterAServerHasAppearedAndAgainWhenItFoundWhatWasMissed) {
+  follow({{serverWith(1, {{"a", 1}}), 60, 0},  // PulseAudio forgets nothing
+          {pipeWire(2, 2, {{"a", 1}}), 2, 0},
+          {pipeWire(2, 2, {{"b", 1}}), 2, 1},
+          {pipeWire(2, 3, {{"c", 1}}), 4, 1},
+          {pipeWire(2, 4, {{"c", 1}}), 60, 0},
+          {pipeWire(3, 5, {{"c", 1}}), 1, 0},
+          {{}, 60, 0},
+          {pipeWire(4, 6, {}), 60, 0}});
 }
 
 TEST_F(SecondLookTest, ComesEverMoreRarelyWhileNoSinkIsTheDefault) {
-  auto doubtful = serverWith(1, {{"a", 1}});
+  auto doubtful = pipeWire(1, 1, {{"a", 1}});
   doubtful.defaultSink = "@DEFAULT_SINK@";
-  for (int second = 0; second < 3600; ++second) {
-    const int before = looks_;
-    secondLook_.receive(doubtful);
-    loop_.advance(1);
-    if (looks_ > before) ++doubtful.connection;
+  for (const double pause : {1.5, 3.0, 6.0, 12.0, 24.0, 48.0, 60.0, 60.0}) {
+    follow({{doubtful, pause - 0.1, 0}, {doubtful, 0.1, 1}});
+    ++doubtful.connection;
   }
-  EXPECT_GT(looks_, 10);
-  EXPECT_LT(looks_, 70);
-  receive({doubtful.connection, {{"a", 1}}, 120});
-  const int before = looks_;
-  secondLook_.receive(doubtful);
-  loop_.advance(2);
-  EXPECT_EQ(looks_, before + 1) << "a new doubt is followed soon";
-}
-
-TEST(PulseDevices, ASinkKeepsItsIdAndNobodyElseGetsIt) {
-  PulseDevices devices;
-  static_cast<void>(devices.update(serverWith(1, {{"a", 0.5}, {"b", 0.5}})));
-  const auto a = devices.defaultDevice();
-  static_cast<void>(devices.update(serverWith(1, {{"b", 0.5}, {"c", 0.5}})));
-  EXPECT_EQ(devices.find(a), nullptr);
-  EXPECT_NE(devices.defaultDevice(), a);
-  static_cast<void>(devices.update(serverWith(7, {{"a", 0.75}, {"b", 0.5}})));
-  EXPECT_EQ(devices.defaultDevice(), a);
+  // A new doubt is followed soon.
+  follow({{pipeWire(1, doubtful.connection, {{"a", 1}}), 120, 1}, {doubtful, 2, 1}});
 }
 
 TEST(PulseDevices, ASinkWithoutVolumeCanBeMutedOnly) {
@@ -189,20 +194,6 @@ TEST(PulseDevices, ASinkWithoutVolumeCanBeMutedOnly) {
   snapshot.sinks[0].isMuted = true;
   EXPECT_EQ(devices.update(snapshot).size(), 1U);
   EXPECT_TRUE(device->isMuted);
-}
-
-TEST(ChannelBalance, IsTheLastOneThatWasHeard) {
-  ChannelBalance balance;
-  balance.observe(volumeOf({1, 0.5, 0.25}));
-  balance.observe(volumeOf({0.25, 1, 1}));
-  const auto half = balance.scaledTo(PA_VOLUME_NORM / 2);
-  const auto others = volumeOf({0.125, 0.5, 0.5});
-  EXPECT_TRUE(pa_cvolume_equal(&half, &others)) << "another program's balance is followed";
-
-  balance.observe(volumeOf({0, 0}));
-  const auto heard = balance.scaledTo(PA_VOLUME_NORM);
-  const auto equal = volumeOf({1, 1});
-  EXPECT_TRUE(pa_cvolume_equal(&heard, &equal)) << "a sink never heard has none";
 }
 
 }  // namespace

@@ -80,14 +80,19 @@ void SoundServer::startSessionManager() {
 }
 void SoundServer::stopSessionManager() { sessionManager_.reset(); }
 
+void SoundServer::signal(int number) const {
+  for (const auto& program : programs_) ::kill(program->pid(), number);
+}
+
 void SoundServer::stop() {
+  resume();
   stopSessionManager();
   while (!programs_.empty()) programs_.pop_back();
 }
 
 void SoundServer::kill() {
   if (sessionManager_) ::kill(sessionManager_->pid(), SIGKILL);
-  for (const auto& program : programs_) ::kill(program->pid(), SIGKILL);
+  signal(SIGKILL);
   for (const auto& program : programs_) program->wait();
   stop();
 }

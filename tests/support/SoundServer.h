@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,6 +38,9 @@ class SoundServer {
   void stop();
   /// Ends it as a crash would.
   void kill();
+  /// Stops all its programs where they are, as a hang would, until `resume`.
+  void pause() const { signal(SIGSTOP); }
+  void resume() const { signal(SIGCONT); }
   /// PipeWire only: ends the manager of the session, which decides the default sink and restores
   /// volumes, and starts it anew.
   void stopSessionManager();
@@ -68,6 +72,7 @@ class SoundServer {
   [[nodiscard]] std::unique_ptr<SpawnedProgram> spawn(std::vector<std::string> arguments) const;
   [[nodiscard]] bool waitForSocket(const QString& name) const;
   [[nodiscard]] bool isReady();
+  void signal(int number) const;
   void startPulseAudio();
   void startPipeWire();
 

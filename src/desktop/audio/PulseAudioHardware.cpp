@@ -36,7 +36,7 @@ PulseAudioHardware::PulseAudioHardware(platform::RunLoop& runLoop)
   mailbox_.waitForFirst(longestStart);
   if (const auto first = mailbox_.take()) {
     secondLook_.receive(*first);
-    gate_.begin(*first);
+    gate_.receive(*first);
   }
 }
 
@@ -79,7 +79,7 @@ AudioStatus PulseAudioHardware::getPropertyData(AudioObjectID object,
 AudioStatus PulseAudioHardware::setPropertyData(AudioObjectID object,
                                                 const AudioObjectPropertyAddress& address,
                                                 std::uint32_t value) {
-  const PulseDevice* device = writable(object);
+  const PulseDevice* device = deviceToWrite(object);
   if (!device) return badObject;
   if (address != audioAddress::mute) return unknownProperty;
   return request(device->sink, {.volume = {}, .isMuted = value != 0});
@@ -88,18 +88,29 @@ AudioStatus PulseAudioHardware::setPropertyData(AudioObjectID object,
 AudioStatus PulseAudioHardware::setPropertyData(AudioObjectID object,
                                                 const AudioObjectPropertyAddress& address,
                                                 float value) {
-  const PulseDevice* device = writable(object);
+  const PulseDevice* device = deviceToWrite(object);
   if (!device) return badObject;
   if (address != audioAddress::volume || !device->volume) return unknownProperty;
   if (std::isnan(value)) return badValue;
+  if (value >= 1 && *device->volume > 1) {
+    tellDefaultDevice();
+    return success;
+  }
   const double loudest = std::clamp(static_cast<double>(value), 0.0, 1.0) * PA_VOLUME_NORM;
   const auto volume = device->balance.scaledTo(static_cast<pa_volume_t>(std::lround(loudest)));
   return request(device->sink, {.volume = volume, .isMuted = {}});
 }
 
-const PulseDevice* PulseAudioHardware::writable(AudioObjectID object) const {
+const PulseDevice* PulseAudioHardware::deviceToWrite(AudioObjectID object) {
   const PulseDevice* device = devices_.find(object);
-  return device && gate_.latest().find(device->sink) ? device : nullptr;
+  if (!device) return nullptr;
+  gate_.expectChange(device->sink);
+  return gate_.latest().find(device->sink) ? device : nullptr;
+}
+
+void PulseAudioHardware::tellDefaultDevice() {
+  runLoop_.async(lifetime_.weak(
+      [this] { listeners_.call(platform::audioSystemObject, audioAddress::defaultOutputDevice); }));
 }
 
 AudioStatus PulseAudioHardware::request(const std::string& sink, const SinkWrite& write) {

@@ -25,9 +25,10 @@ namespace valdrix::desktop {
 ///   back, the same sink is the same device; the default-device listener fires only when another
 ///   one is the default now, and volume and mute listeners only where the value is another.
 /// - After a gap (no server yet, a restart, no output) the output counts once it has been the same
-///   for a quarter of a second. So the dummy output that servers show at login until the cards are
-///   loaded, cards that come up one after the other, and stored volumes that are restored a moment
-///   later do not show: the default-device listener fires once, and by then the level is right.
+///   for a quarter of a second, or is as it was, or is written to. So the dummy output that servers
+///   show at login until the cards are loaded, cards that come up one after the other, and stored
+///   volumes that are restored a moment later do not show: the default-device listener fires once,
+///   and by then the level is right.
 /// - The loss of the last output counts after three seconds; the session's manager takes its sinks
 ///   away for about one when it restarts.
 /// - Changing the default fires its listener once, and a device that goes fires none of its own.
@@ -39,7 +40,8 @@ namespace valdrix::desktop {
 /// for, see `SecondLook`, later it lasts until the next change.
 ///
 /// A volume is the loudest channel over 100 % (above 1 when amplified); writing one, limited to 0
-/// to 1, keeps the balance of the channels, through 0 as well. Writes that come faster than the
+/// to 1, keeps the balance of the channels, through 0 as well. Another look at the server is made
+/// beside the connection in use, so writes are taken meanwhile. Writes that come faster than the
 /// server takes them give way to the latest. Nothing runs while nothing changes, and suspended
 /// sinks stay suspended.
 class PulseAudioHardware final : public platform::AudioHardware {
@@ -65,8 +67,9 @@ class PulseAudioHardware final : public platform::AudioHardware {
  private:
   void receiveLatest();
   void believe(const PulseSnapshot& snapshot);
-  /// The device if its sink can be written to now, else null.
-  [[nodiscard]] const PulseDevice* writable(platform::AudioObjectID object) const;
+  /// The device if its sink can be written to now, else null. The user waits for what comes of it.
+  [[nodiscard]] const PulseDevice* deviceToWrite(platform::AudioObjectID object);
+  void tellDefaultDevice();
   platform::AudioStatus request(const std::string& sink, const SinkWrite& write);
   void flush();
 

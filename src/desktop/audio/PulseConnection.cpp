@@ -11,7 +11,7 @@ namespace {
 // Pauses double from the first, so that a server which is still starting is found soon, up to the
 // longest. A watched folder lets the attempts end once they have covered a server that has made its
 // socket but doesn't listen yet.
-constexpr pa_usec_t firstDelay = 50 * PA_USEC_PER_MSEC;
+constexpr pa_usec_t firstDelay = 10 * PA_USEC_PER_MSEC;
 constexpr pa_usec_t longestDelay = 30 * PA_USEC_PER_SEC;
 constexpr pa_usec_t lastDelayBeforeRest = 4 * PA_USEC_PER_SEC;
 
@@ -44,6 +44,7 @@ PulseConnection::PulseConnection(Callbacks callbacks)
 PulseConnection::~PulseConnection() {
   if (!mainloop_) return;
   pa_threaded_mainloop_stop(mainloop_.get());
+  spare_.reset();
   context_.reset();
   attempt_.reset();
   watch_.reset();
@@ -51,26 +52,46 @@ PulseConnection::~PulseConnection() {
 
 void PulseConnection::connect() {
   attempt_.reset();
-  context_.reset(pa_context_new_with_proplist(api_, "valdrix", properties().get()));
-  isLinked_ = true;
-  if (!context_) return handleLoss();
+  if (isReady()) {
+    open(spare_);
+  } else {
+    isLinked_ = true;
+    if (!open(context_)) handleLoss();
+  }
+}
+
+bool PulseConnection::open(PulseHandle<pa_context>& context) {
+  context.reset(pa_context_new_with_proplist(api_, "valdrix", properties().get()));
+  if (!context) return false;
   pa_context_set_state_callback(
-      context_.get(),
-      [](pa_context*, void* self) { static_cast<PulseConnection*>(self)->handleState(); }, this);
-  if (pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
-    handleLoss();
+      context.get(),
+      [](pa_context* changed, void* self) {
+        static_cast<PulseConnection*>(self)->handleState(changed);
+      },
+      this);
+  return pa_context_connect(context.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) >= 0;
+}
+
+bool PulseConnection::isReady() const {
+  return isLinked_ && context_ && pa_context_get_state(context_.get()) == PA_CONTEXT_READY;
 }
 
 void PulseConnection::reconnect() {
-  if (!context_ || pa_context_get_state(context_.get()) != PA_CONTEXT_READY) return;
-  isLinked_ = false;
-  callbacks_.onLost();
-  scheduleAttempt(0);
+  if (isReady()) scheduleAttempt(0);
 }
 
-void PulseConnection::handleState() {
-  const auto state = pa_context_get_state(context_.get());
+void PulseConnection::useSpare() {
+  context_ = std::move(spare_);
+  callbacks_.onReady(context_.get());
+}
+
+void PulseConnection::handleState(pa_context* context) {
+  const auto state = pa_context_get_state(context);
   if (!isLinked_) return;
+  if (context == spare_.get()) {
+    if (state == PA_CONTEXT_READY) useSpare();
+    return;
+  }
   if (state == PA_CONTEXT_FAILED || state == PA_CONTEXT_TERMINATED) return handleLoss();
   if (state != PA_CONTEXT_READY) return;
   watch_.reset();
@@ -82,6 +103,7 @@ void PulseConnection::handleState() {
 void PulseConnection::handleLoss() {
   // Connecting may both report a failed state and return an error.
   if (!std::exchange(isLinked_, false)) return;
+  spare_.reset();
   callbacks_.onLost();
   startWatching();
   if (nextDelay_ > lastDelayBeforeRest && mayRest()) return;

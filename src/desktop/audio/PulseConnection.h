@@ -20,7 +20,8 @@ namespace valdrix::desktop {
 class PulseConnection {
  public:
   struct Callbacks {
-    /// The server can be talked to, until `onLost`.
+    /// The server can be talked to, until `onLost`. Once more without one: over another connection
+    /// from now on.
     std::function<void(pa_context*)> onReady;
     /// The server went away, or could not be reached.
     std::function<void()> onLost;
@@ -32,8 +33,9 @@ class PulseConnection {
   PulseConnection(const PulseConnection&) = delete;
   PulseConnection& operator=(const PulseConnection&) = delete;
 
-  /// Leaves the server, which is told as a loss, and connects again at once. Does nothing while not
-  /// connected. Its owner holds the connection's thread off with `perform`.
+  /// Makes another connection to the server and moves over once that is ready; until then the old
+  /// one serves. Does nothing while not connected. Its owner holds the connection's thread off with
+  /// `perform`.
   void reconnect();
 
   /// Runs `block` while the connection's thread runs none of the callbacks.
@@ -47,7 +49,10 @@ class PulseConnection {
 
  private:
   void connect();
-  void handleState();
+  bool open(PulseHandle<pa_context>& context);
+  [[nodiscard]] bool isReady() const;
+  void handleState(pa_context* context);
+  void useSpare();
   void handleLoss();
   void scheduleAttempt(pa_usec_t delay);
   [[nodiscard]] bool mayRest();
@@ -60,7 +65,8 @@ class PulseConnection {
   std::unique_ptr<PulseFolderWatch> watch_;
   PulseEvent<pa_time_event> attempt_;
   PulseHandle<pa_context> context_;
-  bool isLinked_ = false;  ///< from an attempt's start until its failure or loss
+  PulseHandle<pa_context> spare_;  ///< the one to move over to
+  bool isLinked_ = false;          ///< from an attempt's start until its failure or loss
   bool isRemote_ = false;
   pa_usec_t nextDelay_;
 };

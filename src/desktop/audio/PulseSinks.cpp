@@ -1,5 +1,6 @@
 #include "desktop/audio/PulseSinks.h"
 
+#include <string_view>
 #include <utility>
 
 namespace valdrix::desktop {
@@ -23,18 +24,27 @@ PulseSinks::PulseSinks(std::function<void(const PulseSnapshot&)> deliver)
     : deliver_(std::move(deliver)) {}
 
 void PulseSinks::attach(pa_context* context) {
-  context_ = context;
+  if (!std::exchange(context_, context)) ++servers_;
   ++connections_;
+  isRefreshing_ = false;
+  answersExpected_ = 0;
+  merge(underWay_, std::exchange(waiting_, {}));
+  std::swap(underWay_, waiting_);
+  subscribe();
+  send();
+  refresh();
+}
+
+void PulseSinks::subscribe() {
   pa_context_set_subscribe_callback(
-      context,
+      context_,
       [](pa_context*, pa_subscription_event_type_t, std::uint32_t, void* self) {
         static_cast<PulseSinks*>(self)->refresh();
       },
       this);
   constexpr auto events =
       static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SERVER);
-  start(pa_context_subscribe(context, events, nullptr, nullptr));
-  refresh();
+  start(pa_context_subscribe(context_, events, nullptr, nullptr));
 }
 
 void PulseSinks::detach() {
@@ -42,6 +52,7 @@ void PulseSinks::detach() {
   isRefreshing_ = false;
   isStale_ = false;
   waiting_.clear();
+  underWay_.clear();
   answersExpected_ = 0;
   deliver({});
 }
@@ -51,12 +62,11 @@ void PulseSinks::refresh() {
   if (!context_ || isRefreshing_ || answersExpected_ > 0) return;
   isStale_ = false;
   isRefreshing_ = true;
-  arriving_ = {.connection = connections_, .defaultSink = {}, .sinks = {}};
+  arriving_ = {.server = servers_, .connection = connections_, .defaultSink = {}, .sinks = {}};
   start(pa_context_get_server_info(
       context_,
       [](pa_context*, const pa_server_info* info, void* self) {
-        if (info && info->default_sink_name)
-          static_cast<PulseSinks*>(self)->arriving_.defaultSink = info->default_sink_name;
+        if (info) static_cast<PulseSinks*>(self)->takeServer(*info);
       },
       this));
   start(pa_context_get_sink_info_list(
@@ -67,6 +77,13 @@ void PulseSinks::refresh() {
         sinks.arriving_.sinks.push_back({info->name, info->volume, info->mute != 0});
       },
       this));
+}
+
+void PulseSinks::takeServer(const pa_server_info& info) {
+  const auto text = [](const char* string) { return std::string_view(string ? string : ""); };
+  arriving_.defaultSink = text(info.default_sink_name);
+  // It says "PulseAudio (on PipeWire 0.3.65)"; the other one "pulseaudio".
+  arriving_.isPipeWire = text(info.server_name).find("PipeWire") != std::string_view::npos;
 }
 
 void PulseSinks::finishRefresh() {
@@ -93,7 +110,8 @@ void PulseSinks::send() {
   constexpr auto answered = [](pa_context*, int, void* self) {
     static_cast<PulseSinks*>(self)->handleAnswer();
   };
-  for (const auto& [name, write] : std::exchange(waiting_, {})) {
+  underWay_ = std::exchange(waiting_, {});
+  for (const auto& [name, write] : underWay_) {
     if (write.isMuted)
       expectAnswer(pa_context_set_sink_mute_by_name(context_, name.c_str(), *write.isMuted ? 1 : 0,
                                                     answered, this));

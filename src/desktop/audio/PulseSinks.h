@@ -32,12 +32,16 @@ class PulseSinks {
   /// `deliver` is called with each snapshot that differs from the one before.
   explicit PulseSinks(std::function<void(const PulseSnapshot&)> deliver);
 
+  /// Uses `context` from now on. Without a `detach` before, it is another connection to the same
+  /// server, and what the one before may not have sent goes out again.
   void attach(pa_context* context);
   void detach();
   void write(const SinkWrites& writes);
 
  private:
+  void subscribe();
   void refresh();
+  void takeServer(const pa_server_info& info);
   void finishRefresh();
   void deliver(const PulseSnapshot& snapshot);
   void send();
@@ -46,6 +50,7 @@ class PulseSinks {
 
   std::function<void(const PulseSnapshot&)> deliver_;
   pa_context* context_ = nullptr;
+  std::uint64_t servers_ = 0;
   std::uint64_t connections_ = 0;
   std::optional<PulseSnapshot> delivered_;
 
@@ -54,6 +59,7 @@ class PulseSinks {
   bool isStale_ = false;  ///< something changed since the last refresh began
 
   SinkWrites waiting_;
+  SinkWrites underWay_;
   int answersExpected_ = 0;
 };
 

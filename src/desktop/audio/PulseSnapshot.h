@@ -22,8 +22,12 @@ struct PulseSink {
 
 /// What the sound server said last.
 struct PulseSnapshot {
-  /// Which connection it came by, counted from 1; 0 while there is no server.
+  /// Which run of a server it comes from, counted from 1; 0 while there is none.
+  std::uint64_t server = 0;
+  /// Which connection it came by, counted from 1; one server may be asked over several.
   std::uint64_t connection = 0;
+  /// Whether the server is PipeWire's.
+  bool isPipeWire = false;
   std::string defaultSink;
   std::vector<PulseSink> sinks;
 

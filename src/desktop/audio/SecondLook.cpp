@@ -9,13 +9,12 @@ SecondLook::SecondLook(platform::RunLoop& runLoop, std::function<void()> look)
     : runLoop_(runLoop), look_(std::move(look)) {}
 
 void SecondLook::receive(const PulseSnapshot& snapshot) {
-  if (snapshot.connection == 0) return timer_.reset();
+  if (!snapshot.isPipeWire) return timer_.reset();
+  const bool isNewServer = std::exchange(server_, snapshot.server) != snapshot.server;
   const bool isNewConnection =
       std::exchange(connection_, snapshot.connection) != snapshot.connection;
-  const bool wasAskedFor = isNewConnection && std::exchange(isLooking_, false);
-  const bool isNewServer = isNewConnection && !wasAskedFor;
-  const bool hasMissed =
-      std::exchange(defaultSink_, snapshot.defaultSink) != snapshot.defaultSink && wasAskedFor;
+  const bool isOther = std::exchange(defaultSink_, snapshot.defaultSink) != snapshot.defaultSink;
+  const bool hasMissed = isOther && isNewConnection && !isNewServer;
   const bool wasDoubtful = std::exchange(isDoubtful_, snapshot.hasUnnamedOutput());
   isWorthIt_ = isDoubtful_ || snapshot.output();
   if (isNewServer || hasMissed) scheduleLook(afterAppearance);
@@ -32,9 +31,7 @@ void SecondLook::scheduleLook(double delay) {
 
 void SecondLook::lookNow() {
   timer_.reset();
-  if (!isWorthIt_) return;
-  isLooking_ = true;
-  look_();
+  if (isWorthIt_) look_();
 }
 
 }  // namespace valdrix::desktop

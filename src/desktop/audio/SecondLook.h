@@ -8,9 +8,9 @@
 
 namespace valdrix::desktop {
 
-/// Decides when to ask the sound server again over a new connection. Main thread only.
+/// Decides when to ask PipeWire's sound server again over a new connection. Main thread only.
 ///
-/// PipeWire's server keeps what it knows of the default sink for each connection on its own, and
+/// That server keeps what it knows of the default sink for each connection on its own, and
 /// such a record may miss a change, mostly one right after the connection was made or while the
 /// session's manager restarts; then it stays wrong. So there is one second look a while after a
 /// server has appeared, another one after each that found what had been missed, and more of them,
@@ -32,9 +32,9 @@ class SecondLook {
 
   platform::RunLoop& runLoop_;
   std::function<void()> look_;
+  std::uint64_t server_ = 0;
   std::uint64_t connection_ = 0;
   std::string defaultSink_;
-  bool isLooking_ = false;   ///< the next connection is the one that was asked for
   bool isWorthIt_ = false;   ///< there is a sink to ask about
   bool isDoubtful_ = false;  ///< and none of them is the default
   double doubtDelay_ = firstDoubt;

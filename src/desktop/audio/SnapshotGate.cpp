@@ -7,10 +7,9 @@ namespace valdrix::desktop {
 
 namespace {
 
-bool isSameOutput(const PulseSnapshot& a, const PulseSnapshot& b) {
-  const PulseSink* outputA = a.output();
-  const PulseSink* outputB = b.output();
-  return outputA && outputB ? *outputA == *outputB : outputA == outputB;
+std::optional<PulseSink> outputOf(const PulseSnapshot& snapshot) {
+  const PulseSink* output = snapshot.output();
+  return output ? std::optional(*output) : std::nullopt;
 }
 
 }  // namespace
@@ -19,29 +18,39 @@ SnapshotGate::SnapshotGate(platform::RunLoop& runLoop,
                            std::function<void(const PulseSnapshot&)> believe)
     : runLoop_(runLoop), believe_(std::move(believe)) {}
 
-void SnapshotGate::begin(const PulseSnapshot& first) {
-  latest_ = first;
-  enter(phaseAfter(latest_));
-  if (latest_.connection != 0) believe();
-}
-
 void SnapshotGate::receive(const PulseSnapshot& snapshot) {
   const Phase phase = phaseAfter(snapshot);
   const bool isNew =
-      phase != phase_ || (phase == Phase::settling && !isSameOutput(latest_, snapshot));
+      phase != phase_ || (phase == Phase::settling && outputOf(latest_) != outputOf(snapshot));
   latest_ = snapshot;
   if (phase != phase_) enter(phase);
-  if (phase == Phase::settled || (phase == Phase::noOutput && !hasBelievedOutput_))
+  if (isCredible())
     believe();
   else if (isNew)
     settle();
 }
 
+void SnapshotGate::expectChange(const std::string& sink) {
+  if (phase_ != Phase::settling) return;
+  // The timer stays: what was asked for may be what is there already, and then nothing follows.
+  if (latest_.output()->name == sink)
+    phase_ = Phase::settled;
+  else
+    believeAfter(0);
+}
+
 SnapshotGate::Phase SnapshotGate::phaseAfter(const PulseSnapshot& snapshot) const {
-  if (snapshot.connection == 0) return Phase::noServer;
+  if (snapshot.server == 0) return Phase::noServer;
   if (!snapshot.output()) return Phase::noOutput;
-  const bool isSettled = phase_ == Phase::settled && snapshot.connection == latest_.connection;
+  if (phase_ == Phase::unknown) return Phase::settled;
+  const bool isSettled = phase_ == Phase::settled && snapshot.server == latest_.server;
   return isSettled ? Phase::settled : Phase::settling;
+}
+
+bool SnapshotGate::isCredible() const {
+  if (phase_ == Phase::noOutput) return !believedOutput_;
+  if (phase_ == Phase::settling) return outputOf(latest_) == believedOutput_;
+  return phase_ == Phase::settled;
 }
 
 void SnapshotGate::enter(Phase phase) {
@@ -61,8 +70,8 @@ void SnapshotGate::believeAfter(double delay) {
 }
 
 void SnapshotGate::believe() {
-  hasBelievedOutput_ = latest_.output() != nullptr;
-  if (hasBelievedOutput_) enter(Phase::settled);
+  believedOutput_ = outputOf(latest_);
+  if (believedOutput_) enter(Phase::settled);
   timer_.reset();
   believe_(latest_);
 }

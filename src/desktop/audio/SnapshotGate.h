@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string>
 
 #include "desktop/audio/PulseSnapshot.h"
 #include "platform/RunLoop.h"
@@ -15,8 +17,9 @@ namespace valdrix::desktop {
 ///   while a new server loads its cards. It makes nobody wait, as there is nothing to hear
 ///   meanwhile.
 /// - After either of them, an output is believed once it has been the same for a moment: cards come
-///   up one after the other, and their stored volumes a little after them.
-/// - In between every snapshot is believed at once.
+///   up one after the other, and their stored volumes a little after them. One that is as it was is
+///   believed at once, and nothing waits any longer when the user asks for a change.
+/// - In between every snapshot is believed at once, and so is the very first.
 class SnapshotGate {
  public:
   /// How long an output must stay the same after a gap, how long that may take at most, and how
@@ -28,17 +31,19 @@ class SnapshotGate {
   /// `believe` is called with each snapshot that is believed.
   SnapshotGate(platform::RunLoop& runLoop, std::function<void(const PulseSnapshot&)> believe);
 
-  /// The first snapshot: an output in it is believed as it is, since nothing is known yet.
-  void begin(const PulseSnapshot& first);
   void receive(const PulseSnapshot& snapshot);
+  /// The user asks for a change of the sink of that name: what follows is no unrest, but the
+  /// answer.
+  void expectChange(const std::string& sink);
   /// The last snapshot received, believed or not.
   [[nodiscard]] const PulseSnapshot& latest() const { return latest_; }
 
  private:
-  enum class Phase { noServer, noOutput, settling, settled };
+  enum class Phase { unknown, noServer, noOutput, settling, settled };
 
   [[nodiscard]] Phase phaseAfter(const PulseSnapshot& snapshot) const;
   void enter(Phase phase);
+  [[nodiscard]] bool isCredible() const;
   void settle();
   void believeAfter(double delay);
   void believe();
@@ -46,9 +51,9 @@ class SnapshotGate {
   platform::RunLoop& runLoop_;
   std::function<void(const PulseSnapshot&)> believe_;
   PulseSnapshot latest_;
-  Phase phase_ = Phase::noServer;
+  Phase phase_ = Phase::unknown;
   double phaseStart_ = 0;
-  bool hasBelievedOutput_ = false;
+  std::optional<PulseSink> believedOutput_;
   Token timer_;
 };
 
