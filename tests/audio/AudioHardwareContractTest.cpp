@@ -1,5 +1,6 @@
 // What every audio adapter does, on the simulated devices and on both sound servers.
 
+#include <array>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
@@ -189,16 +190,21 @@ TYPED_TEST(AudioHardwareContract, OnlyWhatChangedIsTold) {
 
 TYPED_TEST(AudioHardwareContract, AServerThatHangsTakesTheLastOfWhatWasWritten) {
   auto& probe = this->probe_;
-  this->world_.pause();
-  for (const float volume : {0.75F, 0.5F, 0.25F}) {
-    ASSERT_TRUE(probe.setVolume(this->desk_, volume));
-    EXPECT_TRUE(this->runUntil([turn = false]() mutable { return std::exchange(turn, true); }));
-    EXPECT_EQ(probe.volume(this->desk_), 1.0F);
+  float known = 1;
+  // The last one may change nothing any more, and then no news comes of it.
+  for (const auto& writes : {std::array{0.75F, 0.5F, 0.25F}, {0.75F, 0.5F, 0.75F}}) {
+    this->world_.pause();
+    for (const float volume : writes) {
+      ASSERT_TRUE(probe.setVolume(this->desk_, volume));
+      EXPECT_TRUE(this->runUntil([turn = false]() mutable { return std::exchange(turn, true); }));
+      EXPECT_EQ(probe.volume(this->desk_), known);
+    }
+    this->world_.resume();
+    known = writes.back();
+    EXPECT_TRUE(this->runUntil([&] { return probe.volume(this->desk_) == known; }));
   }
-  this->world_.resume();
-  EXPECT_TRUE(this->runUntil([&] { return probe.volume(this->desk_) == 0.25F; }));
   this->passTurn();
-  EXPECT_EQ(probe.volume(this->desk_), 0.25F);
+  EXPECT_EQ(probe.volume(this->desk_), known);
 }
 
 TYPED_TEST(AudioHardwareContract, TheDefaultDeviceGoesAndComesBack) {

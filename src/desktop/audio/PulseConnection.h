@@ -20,8 +20,8 @@ namespace valdrix::desktop {
 class PulseConnection {
  public:
   struct Callbacks {
-    /// The server can be talked to, until `onLost`. Once more without one: over another connection
-    /// from now on.
+    /// The server can be talked to over this context until `onLost`, or until `onReady` gives
+    /// another one.
     std::function<void(pa_context*)> onReady;
     /// The server went away, or could not be reached.
     std::function<void()> onLost;
