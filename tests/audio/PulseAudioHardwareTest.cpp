@@ -29,9 +29,13 @@ class PulseAudioHardwareTest : public testing::TestWithParam<SoundServerKind> {
 
   void startAdapter() { startAdapter(loop_); }
   void startAdapter(platform::RunLoop& loop) {
-    probe_.reset();
+    endAdapter();
     hardware_ = std::make_unique<desktop::PulseAudioHardware>(loop);
     probe_ = std::make_unique<tests::AudioProbe>(*hardware_);
+  }
+  void endAdapter() {
+    probe_.reset();
+    hardware_.reset();
   }
   /// Waits for the first device, which the constructor may just have missed, and counts from there.
   bool hasDevice() {
@@ -155,8 +159,7 @@ TEST_P(PulseAudioHardwareTest, MayEndAtAnyTimeAndHasItsValuesFromTheStart) {
                                                    platform::audioAddress::volume, [] { FAIL(); });
   ASSERT_TRUE(probe_->setVolume(probe_->defaultDevice(), 0.75F));
   ASSERT_TRUE(server_.setVolume("desk", {0.25}));
-  probe_.reset();
-  hardware_.reset();
+  endAdapter();
 }
 
 class PipeWireOnlyTest : public PulseAudioHardwareTest {};
