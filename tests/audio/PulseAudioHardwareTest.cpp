@@ -1,5 +1,6 @@
 // What only an adapter to a sound server meets: servers that come, die and return, and channels.
 
+#include <atomic>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -118,6 +119,18 @@ TEST_P(PulseAudioHardwareTest, EveryPressCountsThroughAnotherLookAndAfterARestar
   EXPECT_EQ(server_.volumes("desk"), (std::vector{0.5, 0.5}));
   EXPECT_EQ(probe_->defaultDevice(), desk);
   EXPECT_EQ(probe_->defaultNotices, 0);
+}
+
+TEST_P(PulseAudioHardwareTest, AnotherConnectionIsMadeBesideTheOneInUse) {
+  ASSERT_TRUE(server_.start({}));
+  std::atomic<int> ready = 0;
+  std::atomic<int> lost = 0;
+  desktop::PulseConnection connection(
+      {.onReady = [&](pa_context*) { ++ready; }, .onLost = [&] { ++lost; }});
+  ASSERT_TRUE(waitFor([&] { return ready == 1; }));
+  connection.perform([&] { connection.reconnect(); });
+  EXPECT_TRUE(waitFor([&] { return ready == 2; }));
+  EXPECT_EQ(lost, 0);
 }
 
 TEST_P(PulseAudioHardwareTest, TheLoudestChannelIsTheVolumeAndTheBalanceLastsThroughZero) {
