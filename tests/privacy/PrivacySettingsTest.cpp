@@ -16,6 +16,7 @@
 #include "desktop/keys/MediaKeyTaps.h"
 #include "desktop/privacy/CalendarAccessTab.h"
 #include "desktop/privacy/KeyAccessTab.h"
+#include "desktop/privacy/KeyLossNotice.h"
 #include "desktop/privacy/PrivacySettings.h"
 #include "desktop/session/QtRunLoop.h"
 #include "sim/ManualRunLoop.h"
@@ -190,6 +191,37 @@ TEST_F(PrivacySettingsTest, KeysShowWhoHasThemAndWhoElseShowsThem) {
   EXPECT_THAT(withheld,
               testing::IsSupersetOf(
                   {"[Commandes]", "Luminosité moins forte: valdrix key brightness-down"}));
+}
+
+TEST_F(PrivacySettingsTest, ALossOfKeysIsToldOnceForItsCause) {
+  using platform::MediaKey;
+  installTap();
+  int told = 0;
+  const auto start = [&] {
+    return std::make_unique<KeyLossNotice>(keys, record, clock, [&told](const auto&) { ++told; });
+  };
+  const auto change = [this](KeyState state) {
+    keySource->states[MediaKey::mute] = state;
+    keySource->events.changed();
+    clock.runPending();
+  };
+  auto notice = start();
+  change(KeyState::taken);
+  clock.advance(9);
+  change(KeyState::held);
+  clock.advance(60);
+  EXPECT_EQ(told, 0) << "desktops take and leave keys while they start";
+  change(KeyState::taken);
+  clock.advance(10);
+  EXPECT_EQ(told, 1);
+  change(KeyState::held);
+  notice = start();
+  change(KeyState::taken);
+  clock.advance(60);
+  EXPECT_EQ(told, 1) << "the next login";
+  change(KeyState::withheld);
+  clock.advance(60);
+  EXPECT_EQ(told, 2) << "another cause";
 }
 
 TEST_F(PrivacySettingsTest, KeysAreEntrustedAndGivenBackByAButton) {

@@ -1,5 +1,8 @@
 #include "desktop/privacy/KeyLossNotice.h"
 
+#include <string>
+#include <utility>
+
 namespace valdrix::desktop {
 
 namespace {
@@ -18,12 +21,12 @@ std::string causeOf(const KeyAccount& account) {
 
 }  // namespace
 
-KeyLossNotice::KeyLossNotice(MediaKeyTaps& keys, PrivacyRecord& record,
-                             DesktopNotification& notification, platform::RunLoop& runLoop)
+KeyLossNotice::KeyLossNotice(MediaKeyTaps& keys, PrivacyRecord& record, platform::RunLoop& runLoop,
+                             Show show)
     : keys_(keys),
       record_(record),
-      notification_(notification),
       runLoop_(runLoop),
+      show_(std::move(show)),
       observer_(keys.observeAccount([this] { accountChanged(); })) {
   keys_.setOnPrompt([this] { tell(); });
 }
@@ -42,8 +45,7 @@ void KeyLossNotice::tell() {
   if (cause.empty() || record_.toldKeyLoss() == cause) return;
   record_.setToldKeyLoss(cause);
   const bool isTaken = cause.find("taken:") != std::string::npos;
-  notification_.show(isTaken ? DesktopNotification::mediaKeysTaken()
-                             : DesktopNotification::mediaKeysWithheld());
+  show_(isTaken ? DesktopNotification::mediaKeysTaken() : DesktopNotification::mediaKeysWithheld());
 }
 
 }  // namespace valdrix::desktop

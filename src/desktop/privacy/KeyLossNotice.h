@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <functional>
 
 #include "desktop/keys/MediaKeyTaps.h"
 #include "desktop/session/DesktopNotification.h"
@@ -15,9 +15,10 @@ namespace valdrix::desktop {
 /// it has lasted ten seconds.
 class KeyLossNotice {
  public:
-  /// All outlive this.
-  KeyLossNotice(MediaKeyTaps& keys, PrivacyRecord& record, DesktopNotification& notification,
-                platform::RunLoop& runLoop);
+  using Show = std::function<void(const DesktopNotification::Text&)>;
+
+  /// `show` tells the user; the others outlive this.
+  KeyLossNotice(MediaKeyTaps& keys, PrivacyRecord& record, platform::RunLoop& runLoop, Show show);
 
  private:
   void accountChanged();
@@ -25,8 +26,8 @@ class KeyLossNotice {
 
   MediaKeyTaps& keys_;
   PrivacyRecord& record_;
-  DesktopNotification& notification_;
   platform::RunLoop& runLoop_;
+  Show show_;
   Token observer_;
   Token patience_;
 };
