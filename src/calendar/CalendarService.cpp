@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/PrivacyLinks.h"
-#include "preferences/HiddenCalendars.h"
 #include "preferences/PreferenceKeys.h"
 #include "preferences/PreferenceRules.h"
 
@@ -30,7 +29,7 @@ bool startsBefore(const Event& a, const Event& b) {
 
 CalendarService::CalendarService(const Ports& ports)
     : ports_(ports), authStatus_(ports.eventStore.authorizationStatus()) {
-  changeObserver_ = ports_.eventStore.observeChanges(lifetime_.weak([this] { storeChanged(); }));
+  observeStoreChanges();
   userCalendarObserver_ =
       ports_.userCalendar.observeChanges(lifetime_.weak([this] { userCalendarChanged(); }));
   if (authStatus_ != EventAuthorization::fullAccess) return;
@@ -58,6 +57,10 @@ void CalendarService::accessAnswered() {
   startRefreshTimer();
 }
 
+void CalendarService::observeStoreChanges() {
+  changeObserver_ = ports_.eventStore.observeChanges(lifetime_.weak([this] { storeChanged(); }));
+}
+
 void CalendarService::storeChanged() {
   reloadEvents();
   storeChanges_ = storeChanges_ + 1;
@@ -74,9 +77,13 @@ void CalendarService::startRefreshTimer() {
                                                lifetime_.weak([this] { reloadEvents(); }));
 }
 
-std::vector<std::string> CalendarService::shownCalendarIdentifiers() const {
-  const auto hidden = HiddenCalendars::parse(
+HiddenCalendars CalendarService::readHiddenCalendarIDs() const {
+  return HiddenCalendars::parse(
       ports_.userDefaults.stringForKey(preferenceKeys::hiddenCalendarIDs).value_or(""));
+}
+
+std::vector<std::string> CalendarService::shownCalendarIdentifiers() const {
+  const auto hidden = readHiddenCalendarIDs();
   std::vector<std::string> shown;
   for (auto& calendar : ports_.eventStore.calendars())
     if (!hidden.contains(calendar.calendarIdentifier))

@@ -11,6 +11,7 @@
 #include "platform/UserCalendar.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
+#include "preferences/HiddenCalendars.h"
 
 namespace valdrix {
 
@@ -56,9 +57,11 @@ class CalendarService {
 
  private:
   void accessAnswered();
+  void observeStoreChanges();
   void storeChanged();
   void userCalendarChanged();
   void startRefreshTimer();
+  [[nodiscard]] HiddenCalendars readHiddenCalendarIDs() const;
   [[nodiscard]] std::vector<std::string> shownCalendarIdentifiers() const;
   /// The end of the last day that is listed; nothing when it is out of the range of dates.
   [[nodiscard]] std::optional<platform::Instant> windowEnd(platform::Instant now) const;

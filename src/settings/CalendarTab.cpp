@@ -48,8 +48,12 @@ CalendarTab::Selection CalendarTab::selection() const {
   return {
       preferences_.integerForKey(preferenceKeys::calendarMaxEvents),
       preferences_.integerForKey(preferenceKeys::calendarWindowDays),
-      HiddenCalendars::parse(preferences_.stringForKey(preferenceKeys::hiddenCalendarIDs)),
+      HiddenCalendars::parse(hiddenCalendarIDsCSV()),
   };
+}
+
+std::string CalendarTab::hiddenCalendarIDsCSV() const {
+  return preferences_.stringForKey(preferenceKeys::hiddenCalendarIDs);
 }
 
 void CalendarTab::preferencesChanged() {
@@ -86,7 +90,7 @@ view::FormSection CalendarTab::displaySection() const {
 }
 
 view::FormSection CalendarTab::calendarSection() const {
-  const auto hidden = selection().hidden;
+  const auto hidden = HiddenCalendars::parse(hiddenCalendarIDsCSV());
   view::FormSection section{
       .header = "Calendriers visibles",
       .rows = {},
@@ -111,7 +115,7 @@ view::FormRow CalendarTab::calendarRow(const platform::EventCalendar& calendar,
 }
 
 void CalendarTab::setHidden(const std::string& calendarID, bool isHidden) const {
-  auto hidden = selection().hidden;
+  auto hidden = HiddenCalendars::parse(hiddenCalendarIDsCSV());
   hidden.setHidden(calendarID, isHidden);
   preferences_.set(preferenceKeys::hiddenCalendarIDs, hidden.serialized());
 }

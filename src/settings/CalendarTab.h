@@ -29,6 +29,8 @@ class CalendarTab final : public view::TabView {
   };
 
   [[nodiscard]] Selection selection() const;
+  /// The list of hidden calendars as it is stored.
+  [[nodiscard]] std::string hiddenCalendarIDsCSV() const;
   void preferencesChanged();
   [[nodiscard]] view::FormSection displaySection() const;
   [[nodiscard]] view::FormSection calendarSection() const;
