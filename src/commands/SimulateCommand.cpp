@@ -1,6 +1,5 @@
 #include "commands/SimulateCommand.h"
 
-#include <cmath>
 #include <iostream>
 
 #include <QGuiApplication>
@@ -23,8 +22,7 @@ class QtFramePainter final : public sim::FramePainter {
 
   [[nodiscard]] bool paint(const view::HostingView& content, const view::Rect& part, double scale,
                            const std::filesystem::path& file) override {
-    QImage image(static_cast<int>(std::ceil(part.width * scale)),
-                 static_cast<int>(std::ceil(part.height * scale)),
+    QImage image(qRound(part.width * scale), qRound(part.height * scale),
                  QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);

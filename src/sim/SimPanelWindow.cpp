@@ -25,12 +25,13 @@ std::string yesOrNo(bool value) { return value ? "true" : "false"; }
 
 SimPanelWindow::SimPanelWindow(Trace& trace, ManualRunLoop& runLoop, SimPointer& pointer,
                                const view::Rect& contentRectangle,
-                               const platform::PanelConfiguration& configuration)
+                               const platform::PanelConfiguration& configuration, double scale)
     : trace_(trace),
       runLoop_(runLoop),
       pointer_(pointer),
       frame_(contentRectangle),
       configuration_(configuration),
+      scale_(scale),
       trackedRectangle_{0, 0, contentRectangle.width, contentRectangle.height},
       ignoresMouseEvents_(configuration.ignoresMouseEvents),
       latestFrame_(-std::numeric_limits<double>::infinity()) {
@@ -51,6 +52,7 @@ void SimPanelWindow::setContentView(view::HostingView* content) {
   content_ = content;
   frameTimer_.reset();
   if (!content_) return;
+  content_->setScale(scale_);
   content_->setOnNeedsFrame([this] { requestFrame(); });
   content_->setOnAnimationStarted(
       [this](const view::Animation& animation) { trace_.add(describe(animation)); });

@@ -17,7 +17,7 @@ class SimPanelWindow final : public platform::PanelWindow {
  public:
   SimPanelWindow(Trace& trace, ManualRunLoop& runLoop, SimPointer& pointer,
                  const view::Rect& contentRectangle,
-                 const platform::PanelConfiguration& configuration);
+                 const platform::PanelConfiguration& configuration, double scale);
   ~SimPanelWindow() override;
   SimPanelWindow(const SimPanelWindow&) = delete;
   SimPanelWindow& operator=(const SimPanelWindow&) = delete;
@@ -59,6 +59,7 @@ class SimPanelWindow final : public platform::PanelWindow {
   SimPointer& pointer_;
   const view::Rect frame_;
   const platform::PanelConfiguration configuration_;
+  const double scale_;  ///< device pixels per point
   view::HostingView* content_ = nullptr;
   view::Rect trackedRectangle_;
   bool ignoresMouseEvents_;

@@ -18,6 +18,9 @@ class SimPanelWindows final : public platform::PanelWindows {
       const view::Rect& contentRectangle,
       const platform::PanelConfiguration& configuration) override;
 
+  /// Device pixels per point, above 0, of the windows that are made from now on.
+  void setScale(double scale) { scale_ = scale; }
+
   /// The shown window in front of all others; null without one.
   [[nodiscard]] SimPanelWindow* frontWindow() const { return pointer_.frontWindow(); }
 
@@ -25,6 +28,7 @@ class SimPanelWindows final : public platform::PanelWindows {
   Trace& trace_;
   ManualRunLoop& runLoop_;
   SimPointer& pointer_;
+  double scale_ = 1;
 };
 
 }  // namespace valdrix::sim

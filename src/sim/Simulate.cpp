@@ -36,17 +36,17 @@ std::optional<std::string> contentsOf(const std::filesystem::path& file) {
   return text.str();
 }
 
-/// What can be seen of the panel, with some room at its sides and below, on whole points.
-view::Rect picturePart(const view::HostingView& content) {
+/// What can be seen of the panel, with some room at its sides and below, on whole device pixels.
+view::Rect picturePart(const view::HostingView& content, double scale) {
   view::Rect panel;
   for (const auto& item : content.displayList()) {
     view::Rect seen = item.bounds;
     for (const auto& clip : item.clips) seen = seen.intersected(clip->bounds());
     panel = panel.united(seen);
   }
-  const double left = std::floor(panel.minX() - pictureMargin);
-  return {left, 0, std::ceil(panel.maxX() + pictureMargin) - left,
-          std::ceil(panel.maxY() + pictureMargin)};
+  const double left = std::floor((panel.minX() - pictureMargin) * scale) / scale;
+  const double right = std::ceil((panel.maxX() + pictureMargin) * scale) / scale;
+  return {left, 0, right - left, std::ceil((panel.maxY() + pictureMargin) * scale) / scale};
 }
 
 ScenarioPlayer::TakePicture pictureTaker(const SimulateOptions& options, FramePainter* painter) {
@@ -55,7 +55,8 @@ ScenarioPlayer::TakePicture pictureTaker(const SimulateOptions& options, FramePa
     std::error_code error;
     std::filesystem::create_directories(options.framesFolder, error);
     const auto file = options.framesFolder / name;
-    const bool isWritten = painter->paint(content, picturePart(content), options.scale, file);
+    const bool isWritten =
+        painter->paint(content, picturePart(content, options.scale), options.scale, file);
     return isWritten ? std::string() : "impossible d'écrire " + file.string();
   };
 }
@@ -88,6 +89,7 @@ int simulate(const SimulateOptions& options, std::ostream& out, std::ostream& er
   try {
     const auto scenario = Scenario::parse(*text);
     ScenarioPlayer player(options.textMetrics, pictureTaker(options, painter));
+    player.desktop().panelWindows.setScale(options.scale);
     player.play(scenario);
     const auto lines = traceLines(player.desktop().trace, scenario.channels);
     printLines(lines, out);

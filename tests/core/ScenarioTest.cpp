@@ -1,6 +1,7 @@
 // How scenarios are read, judged and painted. What they can do is shown by tests/scenarios.
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -128,19 +129,26 @@ TEST_F(SimulateFile, PicturesShowThePanelWithRoomAroundIt) {
     bool paint(const view::HostingView& content, const view::Rect& part, double scale,
                const fs::path& file) override {
       EXPECT_FALSE(content.displayList().empty());
+      for (const auto& item : content.displayList())
+        if (item.kind == view::DisplayItem::Kind::text) {
+          EXPECT_EQ(item.bounds.y * scale, std::round(item.bounds.y * scale));
+          onHalfPoints += item.bounds.y != std::round(item.bounds.y) ? 1 : 0;
+        }
       EXPECT_TRUE(fs::is_directory(file.parent_path()));
       EXPECT_EQ(scale, 2);
       parts.push_back(part);
       return file.filename() != "unwritable.png";
     }
     std::vector<view::Rect> parts;
+    int onHalfPoints = 0;
   } painter;
   const std::string scenario =
       "laptop\nlaunch\npicture collapsed.png\nat 1 pointer 756 970\nat 9 picture expanded.png\n";
   EXPECT_EQ(play(scenario, &painter), 0);
   // The outline's outer half reaches over the expanded panel's edge.
-  const std::vector<view::Rect> expected{{240, 0, 240, 52}, {49, 0, 622, 221}};
+  const std::vector<view::Rect> expected{{240, 0, 240, 52}, {49.5, 0, 621, 220.5}};
   EXPECT_EQ(painter.parts, expected);
+  EXPECT_GT(painter.onHalfPoints, 0) << "laid out as on a screen of that scale";
   EXPECT_EQ(play(scenario + "picture unwritable.png\n", &painter), 2);
 }
 
