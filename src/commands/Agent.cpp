@@ -11,12 +11,17 @@
 #include "commands/HousingReport.h"
 #include "commands/PressMediaKey.h"
 #include "commands/StatusReport.h"
+#include "desktop/session/ProgramPages.h"
 
 namespace valdrix::commands {
 
 namespace {
 
 using desktop::AgentAnswer;
+
+/// Seconds after the start until what will be seen later is prepared: the start is over, and few
+/// have pressed a key yet.
+constexpr double preparationDelay = 0.5;
 
 AgentAnswer shown(NotchWindowController::Showing showing, const char* whenUnavailable) {
   switch (showing) {
@@ -49,6 +54,10 @@ int Agent::run(const desktop::SettingsRequest& window, bool opensWindow) {
   const Token answers = platform_->privacySettings().observeAnswers(
       [this] { app_->appDelegate().calendarService().requestAccess(); });
   app_->didFinishLaunching();
+  const Token preparation = runLoop_.scheduleTimer(preparationDelay, false, [this] {
+    app_->appDelegate().windowController().prepareHiddenLayers();
+    desktop::releaseProgramPages();
+  });
   if (opensWindow) openWindow(window);
   const int result = QCoreApplication::exec();
   app_.reset();

@@ -95,8 +95,8 @@ View NotchRootView::panel(NotchPresentation presentation) const {
   return view::zStack(
       Alignment::top,
       {
-          // An overlay is not laid out before it is seen for the first time: the calendar's fonts
-          // are no part of the start.
+          // An overlay is not laid out before it is seen or prepared: the calendar's fonts are no
+          // part of the start.
           view::fill(NotchShape{cornerRadius(presentation)}, Color::black())
               .overlay(calendarLayer(presentation), Alignment::top),
           hudLayer(VolumeHUDView{.level = viewModel->volumeLevel, .isMuted = viewModel->isMuted},

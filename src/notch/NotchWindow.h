@@ -21,6 +21,11 @@ class NotchWindow {
   /// Takes `content` as what the window shows.
   void setContentView(std::unique_ptr<view::HostingView> content);
 
+  /// See `HostingView::prepareHiddenLayers`.
+  void prepareHiddenLayers() {
+    if (content_) content_->prepareHiddenLayers();
+  }
+
   void orderFrontRegardless() { panel_->orderFrontRegardless(); }
   void orderOut() { panel_->orderOut(); }
   [[nodiscard]] bool ignoresMouseEvents() const { return panel_->ignoresMouseEvents(); }

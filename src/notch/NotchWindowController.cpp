@@ -84,6 +84,10 @@ void NotchWindowController::buildWindow() {
   updateTracking();
 }
 
+void NotchWindowController::prepareHiddenLayers() {
+  if (window_) window_->prepareHiddenLayers();
+}
+
 void NotchWindowController::installMouseMonitors() {
   globalMonitor_.reset();
   localMonitor_.reset();

@@ -34,6 +34,10 @@ class NotchWindowController {
   /// Whether there is a window; none before `install` and as long as there was no screen.
   [[nodiscard]] bool hasWindow() const { return window_ != nullptr; }
 
+  /// Lays the indicators and the expanded content out before they are seen for the first time,
+  /// which loads their fonts. For a moment in which nobody waits.
+  void prepareHiddenLayers();
+
   /// What came of the wish to see a level.
   enum class Showing {
     shown,

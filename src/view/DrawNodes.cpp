@@ -127,7 +127,7 @@ class OpacityNode final : public NodeFor<OpacityNode, WrapperNode, OpacityElemen
 
   void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
-    if (isShown()) child_->place(bounds, proposal);
+    if (isShown() || graph().preparesHidden()) child_->place(bounds, proposal);
   }
 
   void draw(DisplayList& list, const DrawState& state) override {
@@ -213,7 +213,7 @@ class LayeredNode final : public NodeFor<LayeredNode, ContainerNode, LayeredElem
   void place(const Rect& bounds, const ProposedSize& proposal) override {
     bounds_ = bounds;
     children_[0]->place(bounds, proposal);
-    if (!children_[1]->isShown()) return;
+    if (!children_[1]->isShown() && !graph().preparesHidden()) return;
     const auto offer = ProposedSize::of(bounds.size());
     children_[1]->place(aligned(children_[1]->sizeThatFits(offer), bounds, alignment_), offer);
   }

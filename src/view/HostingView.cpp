@@ -47,6 +47,8 @@ HostingView::Frame HostingView::prepareFrame(double lookAhead) {
   return graph_->prepareFrame(lookAhead);
 }
 
+void HostingView::prepareHiddenLayers() { graph_->prepareHidden(); }
+
 void HostingView::draw(Canvas& canvas, const Rect& dirty) const {
   view::draw(graph_->displayList(), canvas, dirty);
 }

@@ -69,6 +69,10 @@ class HostingView {
   /// seconds until the frame will be seen: moving things are drawn where they will be then.
   Frame prepareFrame(double lookAhead = 1.0 / 60);
 
+  /// Lays out, once, what cannot be seen yet, so that it costs no more than anything else when it
+  /// comes to be seen. Nothing of that is part of a frame: for when there is time.
+  void prepareHiddenLayers();
+
   /// Draws what the latest `prepareFrame` found, as far as it touches `dirty`.
   void draw(Canvas& canvas, const Rect& dirty) const;
   [[nodiscard]] const DisplayList& displayList() const;

@@ -68,8 +68,8 @@ class Node {
   virtual void draw(DisplayList& list, const DrawState& state) = 0;
   /// Whether it only takes the room that its siblings leave.
   [[nodiscard]] virtual bool isSpacer() const { return false; }
-  /// Whether it can be seen, or is on its way there or back. One that can not need not be placed,
-  /// so that what was never seen costs no layout.
+  /// Whether it can be seen, or is on its way there or back. One that can not is placed only when
+  /// the graph prepares hidden layers, so that what was never seen costs no layout.
   [[nodiscard]] virtual bool isShown() const { return true; }
   /// The axis of the nearest stack around.
   [[nodiscard]] virtual Axis stackAxis() const;

@@ -87,8 +87,7 @@ HostingView::Frame ViewGraph::prepareFrame(double lookAhead) {
     isMoving_ = root_->advance(true);
   }
   const bool isSignMoving = sign_.advance(frameTime_);
-  const auto offer = ProposedSize::of(frame.size());
-  root_->place(aligned(root_->sizeThatFits(offer), frame, Alignment::center), offer);
+  placeRoot();
   std::swap(list_, formerList_);
   list_.clear();
   root_->draw(list_, DrawState{});
@@ -99,6 +98,18 @@ HostingView::Frame ViewGraph::prepareFrame(double lookAhead) {
   const bool isAnimating = isMoving_ || isSignMoving;
   if (isAnimating || !dirty_.empty() || !actions_.empty()) requestFrame();
   return {.damage = difference(formerList_, list_), .isAnimating = isAnimating};
+}
+
+void ViewGraph::placeRoot() {
+  const auto offer = ProposedSize::of(frame.size());
+  root_->place(aligned(root_->sizeThatFits(offer), frame, Alignment::center), offer);
+}
+
+void ViewGraph::prepareHidden() {
+  flush();
+  preparesHidden_ = true;
+  placeRoot();
+  preparesHidden_ = false;
 }
 
 void ViewGraph::pointerMoved(Point point) {

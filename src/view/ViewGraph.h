@@ -34,6 +34,8 @@ class ViewGraph {
   [[nodiscard]] double frameTime() const { return frameTime_; }
   /// Whether something moves in that frame.
   [[nodiscard]] bool isMoving() const { return isMoving_; }
+  /// Whether layers that cannot be seen are placed too.
+  [[nodiscard]] bool preparesHidden() const { return preparesHidden_; }
   /// Device pixels per point.
   [[nodiscard]] double scale() const { return scale_; }
   [[nodiscard]] const std::string& locale() const { return locale_; }
@@ -56,6 +58,7 @@ class ViewGraph {
   // What the hosting view does.
   void flush();
   HostingView::Frame prepareFrame(double lookAhead);
+  void prepareHidden();
   void pointerMoved(Point point);
   void pointerExited();
   void pointerPressed();
@@ -75,6 +78,7 @@ class ViewGraph {
   void updateComponents();
   void runActions();
   void updateHover();
+  void placeRoot();
 
   HostingView::Services services_;
   /// Takes over what changed in a transaction before the next one begins.
@@ -82,6 +86,7 @@ class ViewGraph {
   double frameTime_ = 0;
   double scale_ = 1;
   bool isMoving_ = false;
+  bool preparesHidden_ = false;
   bool needsFrame_ = false;
   bool isUpdating_ = false;
   bool hasStartedAnimation_ = false;

@@ -180,5 +180,20 @@ TEST(Layout, WhatIsAtRestIsNotMeasuredAgain) {
   EXPECT_EQ(stage.metrics.count, 0);
 }
 
+TEST(Layout, HiddenLayersAreMeasuredOnceTheyAreSeenOrPrepared) {
+  for (const bool isPrepared : {false, true}) {
+    Observed<double> opacity(0.0);
+    Stage stage(Made{[&] { return box(red).overlay(label("abc").opacity(opacity)); }});
+    stage.frame();
+    EXPECT_EQ(stage.metrics.count, 0);
+    if (isPrepared) stage.host->prepareHiddenLayers();
+    EXPECT_EQ(stage.metrics.count > 0, isPrepared);
+    stage.metrics.count = 0;
+    opacity = 1;
+    stage.frame();
+    EXPECT_EQ(stage.metrics.count == 0, isPrepared);
+  }
+}
+
 }  // namespace
 }  // namespace valdrix::view

@@ -7,7 +7,7 @@
 #include <QList>
 #include <QLocale>
 #include <QPainter>
-#include <QRegularExpression>
+#include <QStringView>
 
 #include "desktop/ui/FontFamilies.h"
 
@@ -28,9 +28,14 @@ constexpr QChar ellipsis(0x2026);
 /// The text as it is shown: in capitals where asked for, every kind of line end as the one that
 /// the layout knows.
 QString shownText(std::string_view utf8, const view::TextStyle& style) {
-  static const QRegularExpression lineEnds("\r\n|[\r\n\v\f\u0085\u2029]");
+  // No regular expression, whose library nothing else here needs.
+  static constexpr QStringView lineEnds(u"\r\n\v\f\u0085\u2029");
   auto text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-  text.replace(lineEnds, QString(QChar::LineSeparator)).replace(u'\t', u' ');
+  text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+  for (QChar& character : text) {
+    if (lineEnds.contains(character)) character = QChar::LineSeparator;
+    if (character == u'\t') character = u' ';
+  }
   if (!style.isUppercase) return text;
   const auto locale =
       style.locale.empty() ? QLocale() : QLocale(QString::fromStdString(style.locale));
