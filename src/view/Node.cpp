@@ -36,17 +36,28 @@ void Node::sizesChanged() {
 
 Axis Node::stackAxis() const { return parent_ ? parent_->stackAxis() : Axis::vertical; }
 
+Node::Drawing Node::noteDrawing() {
+  const auto frame = graph_.frameNumber();
+  const bool isNew = std::exchange(drawnFrame_, frame) + 1 != frame;
+  return {std::exchange(formerBounds_, bounds_), isNew || !graph_.isMoving()};
+}
+
+double Node::put(double coordinate, double former, bool rests) const {
+  if (!rests && std::abs(coordinate - former) >= roundingError) return coordinate;
+  return std::round(coordinate * graph_.scale()) / graph_.scale();
+}
+
 Rect Node::drawnBounds() {
-  const double scale = graph_.scale();
-  const auto put = [&](double edge, double formerEdge) {
-    const bool rests = !graph_.isMoving() || std::abs(edge - formerEdge) < roundingError;
-    return rests ? std::round(edge * scale) / scale : edge;
-  };
-  const Rect former = std::exchange(formerBounds_, bounds_);
-  const double left = put(bounds_.minX(), former.minX());
-  const double top = put(bounds_.minY(), former.minY());
-  return {left, top, put(bounds_.maxX(), former.maxX()) - left,
-          put(bounds_.maxY(), former.maxY()) - top};
+  const auto [former, rests] = noteDrawing();
+  const double left = put(bounds_.minX(), former.minX(), rests);
+  const double top = put(bounds_.minY(), former.minY(), rests);
+  return {left, top, put(bounds_.maxX(), former.maxX(), rests) - left,
+          put(bounds_.maxY(), former.maxY(), rests) - top};
+}
+
+Point Node::drawnCenter() {
+  const auto [former, rests] = noteDrawing();
+  return {put(bounds_.midX(), former.midX(), rests), put(bounds_.midY(), former.midY(), rests)};
 }
 
 DisplayItem Node::newItem(DisplayItem::Kind kind, const Color& color,

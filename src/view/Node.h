@@ -88,9 +88,12 @@ class Node {
   /// Measures it and everything around it anew: it changed without a new description for its
   /// parent.
   void sizesChanged();
-  /// `bounds_` as they are drawn: edges that rest are put on device pixels, moving ones are not, so
-  /// that they do not jerk. Once a frame.
+  /// `bounds_` as they are drawn: edges that rest, or have only come to be seen, are put on device
+  /// pixels, moving ones are not, so that they do not jerk. Once a frame.
   [[nodiscard]] Rect drawnBounds();
+  /// The middle of `bounds_` likewise, for what is drawn around it and has no edges of its own:
+  /// beside an even number of pixels it then has the same axis.
+  [[nodiscard]] Point drawnCenter();
   /// An item of this node as `state` has it drawn, still without its content.
   [[nodiscard]] DisplayItem newItem(DisplayItem::Kind kind, const Color& color,
                                     const DrawState& state) const;
@@ -105,6 +108,13 @@ class Node {
     Size size;
   };
 
+  struct Drawing {
+    Rect former;  ///< where it was drawn before
+    bool rests;   ///< as a whole; else it depends on the edge
+  };
+  Drawing noteDrawing();
+  [[nodiscard]] double put(double coordinate, double former, bool rests) const;
+
   ViewGraph& graph_;
   Node* parent_;
   std::shared_ptr<const Element> element_;
@@ -112,6 +122,7 @@ class Node {
   int depth_;
   std::string identity_;
   Rect formerBounds_;
+  std::uint64_t drawnFrame_ = 0;
   // A stack asks for the least and the largest size and then for one or two between.
   std::array<Fit, 4> fits_;
   std::size_t fitCount_ = 0;

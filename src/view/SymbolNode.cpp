@@ -53,7 +53,7 @@ class SymbolNode final : public NodeFor<SymbolNode, LeafNode, SymbolElement> {
     // First half: the old symbol leaves. Second half: the new one comes. Never both.
     const double progress = swap_.values()[0];
     const double presence = std::abs(2 * progress - 1);
-    add(list, state, progress < 0.5 ? former_ : name_, drawnBounds().origin(), presence);
+    add(list, state, progress < 0.5 ? former_ : name_, drawnCenter(), presence);
   }
 
  private:
@@ -73,13 +73,13 @@ class SymbolNode final : public NodeFor<SymbolNode, LeafNode, SymbolElement> {
     return {symbol->size.width * font_.size, symbol->size.height * font_.size};
   }
 
-  void add(DisplayList& list, const DrawState& state, const std::string& name, Point corner,
+  void add(DisplayList& list, const DrawState& state, const std::string& name, Point center,
            double presence) const {
     const Symbol* symbol = symbolNamed(name, font_.weight);
     if (!symbol || presence <= 0) return;
     const double scale = font_.size * (swapScale + (1 - swapScale) * presence);
-    const Point origin{corner.x + (bounds_.width - symbol->size.width * scale) / 2,
-                       corner.y + (bounds_.height - symbol->size.height * scale) / 2};
+    const Point origin{center.x - symbol->size.width * scale / 2,
+                       center.y - symbol->size.height * scale / 2};
     for (const auto& part : symbol->parts) {
       const auto kind = part.isStroked ? DisplayItem::Kind::stroke : DisplayItem::Kind::fill;
       DisplayItem item = newItem(kind, color_.withOpacity(presence), state);

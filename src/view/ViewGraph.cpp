@@ -80,6 +80,7 @@ void ViewGraph::setScale(double scale) {
 HostingView::Frame ViewGraph::prepareFrame(double lookAhead) {
   flush();
   frameTime_ = now() + lookAhead;
+  ++frameNumber_;
   isMoving_ = root_->advance(true);
   if (!dirty_.empty()) {
     // A timeline came to be seen and has new content.

@@ -32,6 +32,8 @@ class ViewGraph {
   [[nodiscard]] double now() const { return services_.now(); }
   /// The time for which the frame is made.
   [[nodiscard]] double frameTime() const { return frameTime_; }
+  /// Counts frames.
+  [[nodiscard]] std::uint64_t frameNumber() const { return frameNumber_; }
   /// Whether something moves in that frame.
   [[nodiscard]] bool isMoving() const { return isMoving_; }
   /// Whether layers that cannot be seen are placed too.
@@ -84,6 +86,7 @@ class ViewGraph {
   /// Takes over what changed in a transaction before the next one begins.
   Token boundaries_ = Transaction::observeBoundaries([this] { updateComponents(); });
   double frameTime_ = 0;
+  std::uint64_t frameNumber_ = 1;
   double scale_ = 1;
   bool isMoving_ = false;
   bool preparesHidden_ = false;
