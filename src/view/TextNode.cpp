@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "view/Animated.h"
@@ -13,7 +14,7 @@ namespace {
 /// it is offered before it is cut.
 constexpr double fitTolerance = 0.05;
 /// How long a text takes to give way to the next when it changes within an animation, in seconds.
-constexpr double crossFade = 0.12;
+constexpr double fadeDuration = 0.12;
 
 class TextNode;
 
@@ -57,23 +58,25 @@ class TextNode final : public NodeFor<TextNode, LeafNode, TextElement> {
   void draw(DisplayList& list, const DrawState& state) override {
     const Point origin = drawnBounds().origin();
     latest_ = {origin.x, origin.y, bounds_.width + fitTolerance, bounds_.height};
-    const double formerPart = fade_.values()[0];
-    // Trailing edges stay together, where numbers in a column end.
+    // First the former text leaves, then the new one comes. Never both: two numbers on top of each
+    // other read as a third one. Trailing edges stay together, where numbers in a column end.
+    const double balance = 1 - 2 * fade_.values()[0];
     add(list, state, former_,
         {latest_.maxX() - formerSize_.width, origin.y, formerSize_.width, formerSize_.height},
-        formerPart);
-    add(list, state, text_, latest_, 1 - formerPart);
+        -balance);
+    add(list, state, text_, latest_, balance);
   }
 
  private:
-  /// A text that changes again before it has taken over goes on fading in: one that changes with
-  /// every frame would else never be legible.
+  /// A text that keeps changing, as under a held key, just changes: one that left and came each
+  /// time would flicker.
   void startFade() {
-    if (fade_.isMoving()) return;
+    const double sinceChange = graph().now() - std::exchange(changeTime_, graph().now());
+    if (sinceChange < fadeDuration) return;
     former_ = text_;
     formerSize_ = latest_.size();
     fade_.jump({1});
-    fade_.set({0}, Transaction{EaseOut{crossFade}}, graph().now());
+    fade_.set({0}, Transaction{EaseOut{fadeDuration}}, graph().now());
   }
 
   [[nodiscard]] Size measure(const ProposedSize& proposal) override {
@@ -106,7 +109,8 @@ class TextNode final : public NodeFor<TextNode, LeafNode, TextElement> {
   Size formerSize_;
   /// Where the text was drawn last.
   Rect latest_;
-  /// How much of the former text still shows.
+  double changeTime_ = -std::numeric_limits<double>::infinity();
+  /// From the former text (1) to the present one (0).
   Animated<1> fade_{0.002};
 };
 
