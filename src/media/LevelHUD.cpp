@@ -21,18 +21,24 @@ constexpr double percentWidth = 36;
 constexpr double trackOpacity = 0.18;
 constexpr double percentOpacity = 0.7;
 
+/// The filled part of a bar: a capsule from its leading edge, at least a dot and at most the bar,
+/// also while a spring carries the fraction past its ends.
+struct LevelFill {
+  /// Of the bar's width. Percent are near enough to points for the precision of shapes.
+  double percent = 0;
+
+  [[nodiscard]] double animatableData() const { return percent; }
+  void setAnimatableData(double data) { percent = data; }
+  [[nodiscard]] view::Path path(const view::Rect& bar) const {
+    const double width = std::min(bar.width, std::max(bar.height, bar.width * percent / 100));
+    return view::Capsule{.isContinuous = true}.path({bar.x, bar.y, width, bar.height});
+  }
+  bool operator==(const LevelFill&) const = default;
+};
+
 View levelBar(double fraction, double fillOpacity) {
-  return view::geometryReader([=](view::Size size) -> View {
-           const view::Capsule capsule{.isContinuous = true};
-           return view::zStack(view::Alignment::leading,
-                               {
-                                   view::fill(capsule, Color::white(trackOpacity))
-                                       .frame({.width = size.width, .height = barHeight}),
-                                   view::fill(capsule, Color::white(fillOpacity))
-                                       .frame({.width = std::max(barHeight, size.width * fraction),
-                                               .height = barHeight}),
-                               });
-         })
+  return view::fill(view::Capsule{.isContinuous = true}, Color::white(trackOpacity))
+      .overlay(view::fill(LevelFill{fraction * 100}, Color::white(fillOpacity)))
       .frame({.height = barHeight});
 }
 

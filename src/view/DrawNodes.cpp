@@ -12,6 +12,8 @@ namespace {
 
 /// Less than half of one of the 255 steps of a channel.
 constexpr double opacityTolerance = 0.0015;
+/// Of what shapes animate, which is about points.
+constexpr double shapeTolerance = 0.05;
 
 /// A shape whose animatable data moves as its changes say.
 class MovingShape {
@@ -30,7 +32,7 @@ class MovingShape {
 
  private:
   std::optional<Shape> shape_;
-  Animated<1> data_{0.05};
+  Animated<1> data_{shapeTolerance};
 };
 
 class ShapeNode;
@@ -75,7 +77,7 @@ class ShapeNode final : public NodeFor<ShapeNode, LeafNode, ShapeElement> {
     DisplayItem item = newItem(kind, color, state);
     item.path = shape_.path(rect);
     item.lineWidth = lineWidth_;
-    item.bounds = rect.outset(lineWidth_ / 2);
+    item.bounds = item.path.bounds().outset(lineWidth_ / 2);
     list.push_back(std::move(item));
   }
 

@@ -177,10 +177,7 @@ class PaddingNode final : public NodeFor<PaddingNode, WrapperNode, PaddingElemen
   void apply(const PaddingElement& element) {
     const auto& [top, leading, bottom, trailing] = element.insets;
     const Animated<4>::Values insets{top, leading, bottom, trailing};
-    if (!child_)
-      insets_.jump(insets);
-    else if (insets_.set(insets, Transaction::current(), graph().now()))
-      graph().noteAnimationStarted();
+    if (insets_.set(insets, Transaction::current(), graph().now())) graph().noteAnimationStarted();
     updateChild(element.content);
   }
 
@@ -216,58 +213,6 @@ class PaddingNode final : public NodeFor<PaddingNode, WrapperNode, PaddingElemen
   Animated<4> insets_{lengthTolerance};
 };
 
-class GeometryReaderNode;
-
-class GeometryReaderElement final : public ElementFor<GeometryReaderNode> {
- public:
-  explicit GeometryReaderElement(std::function<View(Size)> builder) : content(std::move(builder)) {}
-  std::function<View(Size)> content;
-};
-
-/// What a geometry reader shows is a component, so that what it reads is watched.
-struct GeometryContent {
-  std::function<View(Size)> content;
-  Size size;
-  [[nodiscard]] View body() const { return content(size); }
-};
-
-class GeometryReaderNode final
-    : public NodeFor<GeometryReaderNode, WrapperNode, GeometryReaderElement> {
- public:
-  using NodeFor::NodeFor;
-
-  void apply(const GeometryReaderElement& element) {
-    content_ = element.content;
-    updateChild(GeometryContent{content_, size_});
-  }
-
-  bool advance(bool isVisible) override {
-    isVisible_ = isVisible;
-    return WrapperNode::advance(isVisible);
-  }
-
-  void place(const Rect& bounds, const ProposedSize&) override {
-    bounds_ = bounds;
-    if (!(size_ == bounds.size())) {
-      size_ = bounds.size();
-      updateChild(GeometryContent{content_, size_});
-      child_->advance(isVisible_);
-    }
-    placeChild(bounds, ProposedSize::of(size_), Alignment::topLeading);
-  }
-
- private:
-  static constexpr double idealLength = 10;
-
-  [[nodiscard]] Size measure(const ProposedSize& proposal) override {
-    return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
-  }
-
-  std::function<View(Size)> content_;
-  Size size_;
-  bool isVisible_ = false;
-};
-
 }  // namespace
 
 View View::frame(const FrameSize& size) const {
@@ -284,10 +229,6 @@ View View::fixedSize(bool horizontal, bool vertical) const {
 
 View View::padding(const EdgeInsets& insets) const {
   return View(std::make_shared<PaddingElement>(*this, insets));
-}
-
-View geometryReader(std::function<View(Size)> content) {
-  return View(std::make_shared<GeometryReaderElement>(std::move(content)));
 }
 
 }  // namespace valdrix::view

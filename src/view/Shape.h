@@ -19,7 +19,7 @@ concept ShapeValue = std::copy_constructible<S> && std::equality_comparable<S> &
 };
 
 /// Any shape. One whose type has `animatableData()` and `setAnimatableData(double)` morphs between
-/// two of its values.
+/// two of its values; a twentieth of its unit must be too little to be seen.
 class Shape {
  public:
   // A shape itself is ruled out first, lest asking whether it can be copied asks this constructor.

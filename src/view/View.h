@@ -144,8 +144,6 @@ struct VerticalStackStyle {
 /// The line stands centred on the outline.
 [[nodiscard]] View stroke(Shape shape, Color color, double lineWidth);
 
-/// Takes all the room that it is offered and builds its content, top leading, for that size.
-[[nodiscard]] View geometryReader(std::function<View(Size)> content);
 /// A view that can be clicked; without any styling of its own.
 [[nodiscard]] View button(std::function<void()> action, View label);
 /// Builds its content again every `interval` seconds while it can be seen, and when it comes to be

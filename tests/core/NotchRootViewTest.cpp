@@ -233,29 +233,7 @@ TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
     const auto bar = std::ranges::find_if(
         filled, [&](const auto& item) { return std::abs(item.bounds.x - track.x) < 1e-3; });
     ASSERT_NE(bar, filled.end());
-    expectNear(bar->bounds, {track.x, track.y, row.width, 4});
-  }
-}
-
-TEST_F(NotchRoot, PanelAndCornersFollowOneSpring) {
-  show();
-  drawn();
-  view::withAnimation(notchAnimation::show, [&] { model.isExpanded = true; });
-  drawn();
-  for (const double time : {0.05, 0.1, 0.2, 0.3}) {
-    now = time;
-    const auto at = [&](double from, double to) {
-      return to + notchAnimation::show.motion(from - to, 0, time).position;
-    };
-    const auto list = drawn();
-    const auto& panel = list.at(1);
-    expectNear(panel.bounds, hanging({at(200, 580), at(32, 200)}));
-    EXPECT_EQ(panel.path, NotchShape{at(10, 22)}.path(panel.bounds)) << time;
-    // Later it has room enough.
-    const bool isContentCut = std::ranges::any_of(list, [&](const DisplayItem& item) {
-      return !item.clips.empty() && *item.clips.front() == panel.path;
-    });
-    EXPECT_EQ(isContentCut, time < 0.15) << time;
+    expectNear(bar->path.bounds(), {track.x, track.y, row.width, 4});
   }
 }
 

@@ -147,21 +147,6 @@ TEST(Layout, IdealSizes) {
   });
 }
 
-TEST(Layout, AGeometryReaderFollowsItsSizeAndWatchesWhatItReads) {
-  Observed<double> part(0.5);
-  Stage stage(geometryReader(
-      [&](Size size) { return box(red).frame(FrameSize{.width = size.width * part}); }));
-  stage.frame();
-  EXPECT_EQ(stage.box(red), (Rect{0, 0, 200, 300}));
-  part = 0.25;
-  EXPECT_TRUE(stage.host->needsFrame());
-  stage.frame();
-  EXPECT_EQ(stage.box(red), (Rect{0, 0, 100, 300}));
-  stage.host->setFrame({0, 0, 40, 30});
-  stage.frame();
-  EXPECT_EQ(stage.box(red), (Rect{0, 0, 10, 30}));
-}
-
 TEST(Layout, WhatIsAtRestIsNotMeasuredAgain) {
   Observed<double> width(100.0);
   View column = vStack({}, {label("abc"), hStack({}, {label("de"), spacer(), label("f")})});
