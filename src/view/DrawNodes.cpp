@@ -20,11 +20,8 @@ class MovingShape {
  public:
   /// Whether a movement started.
   bool take(const Shape& shape, const ViewGraph& graph) {
-    const bool isFirst = !shape_;
     shape_ = shape;
-    if (!isFirst) return data_.set({shape.animatableData()}, Transaction::current(), graph.now());
-    data_.jump({shape.animatableData()});
-    return false;
+    return data_.set({shape.animatableData()}, Transaction::current(), graph.now());
   }
   void advance(double time) { data_.advance(time); }
   [[nodiscard]] bool isMoving() const { return data_.isMoving(); }
@@ -53,9 +50,8 @@ class ShapeNode final : public NodeFor<ShapeNode, LeafNode, ShapeElement> {
 
   void apply(const ShapeElement& element) {
     const auto& [red, green, blue, alpha] = element.color;
-    const Animated<4>::Values color{red, green, blue, alpha};
-    if (std::exchange(isFirst_, false)) color_.jump(color);
-    const bool hasNewColor = color_.set(color, Transaction::current(), graph().now());
+    const bool hasNewColor =
+        color_.set({red, green, blue, alpha}, Transaction::current(), graph().now());
     const bool hasNewData = shape_.take(element.shape, graph());
     if (hasNewColor || hasNewData) graph().noteAnimationStarted();
     lineWidth_ = element.lineWidth;
@@ -94,7 +90,6 @@ class ShapeNode final : public NodeFor<ShapeNode, LeafNode, ShapeElement> {
     return {proposal.width.value_or(idealLength), proposal.height.value_or(idealLength)};
   }
 
-  bool isFirst_ = true;
   MovingShape shape_;
   double lineWidth_ = 0;
   Animated<4> color_{opacityTolerance};
@@ -114,9 +109,7 @@ class OpacityNode final : public NodeFor<OpacityNode, WrapperNode, OpacityElemen
   using NodeFor::NodeFor;
 
   void apply(const OpacityElement& element) {
-    if (!child_)
-      opacity_.jump({element.opacity});
-    else if (opacity_.set({element.opacity}, Transaction::current(), graph().now()))
+    if (opacity_.set({element.opacity}, Transaction::current(), graph().now()))
       graph().noteAnimationStarted();
     updateChild(element.content);
   }

@@ -59,6 +59,7 @@ const Transaction animated{show};
 TEST(Animated, ARetargetedSpringGoesOnFromWhereItIsAsFastAsItIs) {
   Animated<1> value(0.05);
   value.jump({200});
+  value.advance(0);
   value.set({580}, animated, 0);
   const auto at = [](Animated<1> copy, double time) {
     copy.advance(time);
@@ -77,6 +78,7 @@ TEST(Animated, ARetargetedSpringGoesOnFromWhereItIsAsFastAsItIs) {
 TEST(Animated, ArrivesAtExactlyTheTarget) {
   for (const Animation animation : {Animation{show}, Animation{EaseOut{0.12}}}) {
     Animated<1> value(0.05);
+    value.advance(0);
     ASSERT_TRUE(value.set({1.0 / 3}, Transaction{animation}, 5));
     value.advance(5.05);
     EXPECT_TRUE(value.isMoving());
