@@ -62,18 +62,10 @@ View NotchRootView::body(State& state) const {
                                                   expandedSize(state.measuredContentHeight));
   const NotchShape shape{cornerRadius(presentation)};
   const bool isExpanded = presentation == NotchPresentation::expanded;
-  return view::zStack(
-             Alignment::top,
-             {
-                 housing(),
-                 panel(presentation)
-                     .frame({.width = panelSize.width,
-                             .height = panelSize.height,
-                             .alignment = Alignment::top})
-                     .clipShape(shape)
-                     .overlay(view::stroke(shape, Color::white(isExpanded ? outlineOpacity : 0),
-                                           outlineWidth)),
-             })
+  return panel(presentation)
+      .frame({.width = panelSize.width, .height = panelSize.height, .alignment = Alignment::top})
+      .clipShape(shape)
+      .overlay(view::stroke(shape, Color::white(isExpanded ? outlineOpacity : 0), outlineWidth))
       .frame({.width = windowSize.width, .height = windowSize.height, .alignment = Alignment::top})
       .onChange<double>(targetContentHeight(), true,
                         [self = *this, &state](const double& height) {
@@ -82,13 +74,6 @@ View NotchRootView::body(State& state) const {
                           self.viewModel->expandedSize = self.expandedSize(height);
                         })
       .locale(std::string(frenchLocale.identifier));
-}
-
-View NotchRootView::housing() const {
-  // A spring swings past its end. Where a real housing is, it stays in sight then; on a screen
-  // without one the panel must not shrink to less than what it stands for.
-  return view::fill(NotchShape{collapsedCornerRadius}, Color::black())
-      .frame(view::FrameSize{.width = collapsedSize.width, .height = collapsedSize.height});
 }
 
 View NotchRootView::panel(NotchPresentation presentation) const {

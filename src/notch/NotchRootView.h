@@ -10,9 +10,8 @@
 namespace valdrix {
 
 /// The content of the notch window: the black panel at its top centre, with the expanded content
-/// and both level indicators, of which at most one can be seen, in front of the housing. All layers
-/// are always there; a presentation only changes opacities, the panel's size and its corners. All
-/// lengths in points.
+/// and both level indicators, of which at most one is shown. All layers are always there; a
+/// presentation only changes opacities, the panel's size and its corners. All lengths in points.
 struct NotchRootView {
   NotchViewModel* viewModel = nullptr;
   /// What the expanded content works with.
@@ -40,7 +39,6 @@ struct NotchRootView {
   [[nodiscard]] view::Size expandedSize(double contentHeight) const;
   [[nodiscard]] double cornerRadius(NotchPresentation presentation) const;
   [[nodiscard]] double targetContentHeight() const;
-  [[nodiscard]] view::View housing() const;
   [[nodiscard]] view::View panel(NotchPresentation presentation) const;
   [[nodiscard]] view::View calendarLayer(NotchPresentation presentation) const;
   [[nodiscard]] view::View hudLayer(const view::View& hud, bool isShown) const;

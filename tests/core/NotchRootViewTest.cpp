@@ -6,13 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "notch/NotchAnimations.h"
 #include "notch/NotchRootView.h"
 #include "notch/NotchShape.h"
 #include "sim/SimDesktop.h"
 #include "sim/SimTextMetrics.h"
 #include "view/HostingView.h"
-#include "view/Transaction.h"
 
 namespace valdrix {
 namespace {
@@ -24,6 +22,8 @@ using view::Rect;
 using view::Size;
 
 constexpr double middle = 360;
+/// A scale so fine that nothing is moved to a whole pixel.
+constexpr double exact = 1e6;
 /// Text is laid out in a box that is this much wider than the text.
 constexpr double textSlack = 0.1;
 /// Of the line between the clock and the rest of the expanded content.
@@ -32,7 +32,7 @@ const Color dividerColor = Color::white(0.08);
 class NotchRoot : public testing::Test {
  protected:
   /// Shows the panel for a notch of `size`.
-  void show(Size size = {200, 32}) {
+  void show(Size size = {200, 32}, double scale = exact) {
     hosting_ = std::make_unique<view::HostingView>(
         NotchRootView{.viewModel = &model,
                       .calendar = {.calendarService = &calendarService_,
@@ -44,8 +44,7 @@ class NotchRoot : public testing::Test {
             .now = [this] { return now; },
             .scheduleRepeatingTimer = [](double, const auto&) { return Token([] {}); }});
     hosting_->setFrame({0, 0, 720, 1000});
-    // Fine enough that nothing is moved to a whole pixel.
-    hosting_->setScale(1e6);
+    hosting_->setScale(scale);
   }
   const view::DisplayList& drawn() {
     hosting_->prepareFrame(0);
@@ -129,36 +128,16 @@ TEST_F(NotchRoot, PanelHasTheSizeAndCornersOfItsPresentation) {
     // The expanded panel takes its height from its content, with a spring.
     drawn();
     now += 10;
-    // Behind it stands the housing.
-    const auto& panel = drawn().at(1);
+    const auto& panel = drawn().front();
     EXPECT_EQ(panel.color, Color::black());
     expectNear(panel.bounds, hanging(row.panel));
     EXPECT_EQ(panel.path, NotchShape{row.radius}.path(panel.bounds));
   }
 }
 
-TEST_F(NotchRoot, CollapsingNeverShowsLessThanTheHousing) {
-  model.isExpanded = true;
-  show();
-  drawn();
-  now += 10;
-  view::withAnimation(notchAnimation::show, [this] { model.isExpanded = false; });
-  drawn();
-  double narrowest = 580;
-  for (int frame = 0; frame < 60; ++frame) {
-    now += 1.0 / 60;
-    Rect black;
-    for (const auto& item : drawnIn(Color::black())) black = black.united(item.bounds);
-    narrowest = std::min(narrowest, drawn().at(1).bounds.width);
-    EXPECT_GE(black.width, 200);
-    EXPECT_GE(black.height, 32);
-  }
-  EXPECT_LT(narrowest, 200) << "the spring did not swing past its end";
-}
-
 TEST_F(NotchRoot, OnlyTheShownLayerIsDrawn) {
   show();
-  EXPECT_EQ(drawn().size(), 2U) << "collapsed: nothing but the housing and the black panel";
+  EXPECT_EQ(drawn().size(), 1U) << "collapsed: nothing but the black panel";
   model.isExpanded = true;
   EXPECT_EQ(drawnIn(dividerColor).size(), 1U);
   EXPECT_TRUE(
@@ -167,6 +146,9 @@ TEST_F(NotchRoot, OnlyTheShownLayerIsDrawn) {
   model.isVolumeHUDVisible = true;
   EXPECT_TRUE(drawnIn(dividerColor).empty());
   EXPECT_EQ(textItem().text, "0%");
+  model.isBrightnessHUDVisible = true;
+  model.brightnessLevel = 0.25F;
+  EXPECT_EQ(textItem().text, "25%") << "brightness wins over volume";
 }
 
 TEST_F(NotchRoot, ExpandedContentIsInsetAndOutlined) {
@@ -186,25 +168,42 @@ TEST_F(NotchRoot, ExpandedContentIsInsetAndOutlined) {
   EXPECT_TRUE(outline.clips.empty()) << "the outer half of the line shows too";
 }
 
-TEST_F(NotchRoot, IndicatorRowLiesInTheStripBelowTheNotch) {
-  model.isVolumeHUDVisible = true;
-  model.volumeLevel = 0.5F;
-  show();
-  const double left = middle - 140 + 18;
-  const Rect symbol = symbolBox();
-  EXPECT_GE(symbol.minX(), left);
-  EXPECT_LE(symbol.maxX(), left + 18);
-  EXPECT_GE(symbol.minY(), 38);
-
-  const Rect track = boxOf(Color::white(0.18));
-  expectNear(track, {left + 18 + 10, track.y, 170, 4});
-  const auto& percent = textItem();
-  EXPECT_EQ(percent.text, "50%");
-  EXPECT_TRUE(percent.style.font.hasMonospacedDigits);
-  EXPECT_NEAR(percent.bounds.midY(), track.midY(), 1e-3);
-  EXPECT_NEAR(percent.bounds.maxX(), middle + 140 - 18, textSlack);
-  EXPECT_GE(percent.bounds.minY(), 38);
-  EXPECT_LE(percent.bounds.maxY(), 68);
+TEST_F(NotchRoot, IndicatorRowHasOneAxisInTheStripBelowTheNotch) {
+  const struct {
+    double notchHeight;
+    bool isVolume;
+    float level;
+    double scale;
+  } rows[]{
+      {32, true, 0.5F, exact}, {32, true, 0.5F, 1}, {32, false, 1.0F, 1}, {37, true, 0.0F, 1},
+      {37, true, 0.2F, 1.5},   {32, true, 0.8F, 2}, {37, false, 0.1F, 2},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.scale);
+    model.isVolumeHUDVisible = row.isVolume;
+    model.isBrightnessHUDVisible = !row.isVolume;
+    model.volumeLevel = row.level;
+    model.brightnessLevel = row.level;
+    show({200, row.notchHeight}, row.scale);
+    const double left = middle - 140 + 18;
+    const Rect symbol = symbolBox();
+    EXPECT_GE(symbol.minX(), left);
+    EXPECT_LE(symbol.maxX(), left + 18);
+    const Rect track = boxOf(Color::white(0.18));
+    expectNear(track, {left + 18 + 10, track.y, 170, 4});
+    const auto& text = textItem();
+    EXPECT_EQ(text.style.font,
+              (view::Font{11, view::FontWeight::medium, view::FontDesign::rounded, true}));
+    EXPECT_EQ(text.color, Color::white(0.7));
+    const Rect percent = text.bounds;
+    EXPECT_NEAR(percent.maxX(), middle + 140 - 18, textSlack + 1 / row.scale);
+    for (const Rect& box : {symbol, percent}) {
+      EXPECT_GE(box.minY(), row.notchHeight + 6);
+      EXPECT_LE(box.maxY(), row.notchHeight + 36);
+    }
+    EXPECT_NEAR(symbol.midY(), track.midY(), 1e-3);
+    EXPECT_LT(std::abs(percent.midY() - track.midY()) * row.scale, 1) << "in the same pixel row";
+  }
 }
 
 TEST_F(NotchRoot, BarIsFilledByTheLevelAndKeepsADot) {
