@@ -7,7 +7,6 @@
 #include "notch/NotchRootView.h"
 #include "notch/NotchScreen.h"
 #include "preferences/PreferenceKeys.h"
-#include "preferences/PreferenceRules.h"
 #include "view/HostingView.h"
 #include "view/Transaction.h"
 
@@ -31,14 +30,18 @@ NotchWindowController::NotchWindowController(const platform::Platform& platform,
       calendarService_(calendarService),
       volumeService_(volumeService),
       brightnessService_(brightnessService),
+      volumeHUD_(platform.runLoop, platform.userDefaults, viewModel.isVolumeHUDVisible,
+                 preferenceKeys::volumeHUDEnabled),
+      brightnessHUD_(platform.runLoop, platform.userDefaults, viewModel.isBrightnessHUDVisible,
+                     preferenceKeys::brightnessHUDEnabled),
       trackingObserver_([this] { scheduleTrackingUpdate(); }) {}
 
 NotchWindowController::~NotchWindowController() {
   screenObserver_.reset();
   globalMonitor_.reset();
   localMonitor_.reset();
-  volumeDismissTimer_.reset();
-  brightnessDismissTimer_.reset();
+  volumeHUD_.cancelDismiss();
+  brightnessHUD_.cancelDismiss();
 }
 
 void NotchWindowController::install() {
@@ -78,9 +81,10 @@ void NotchWindowController::buildWindow() {
   content->setFrame({0, 0, windowSize_.width, windowSize_.height});
   content->setAutoresizingMask(view::HostingView::widthSizable | view::HostingView::heightSizable);
   window->setContentView(std::move(content));
-  window->orderFrontRegardless();
   window_ = std::move(window);
+  // Before the first frame, which then shows the panel as the pointer has it here.
   updateHoverState();
+  window_->orderFrontRegardless();
   updateTracking();
 }
 
@@ -114,8 +118,8 @@ void NotchWindowController::updateHoverState() {
   if (isInside) {
     platform_.haptics.performFeedbackPattern(platform::HapticPattern::levelChange,
                                              platform::HapticPerformanceTime::now);
-    dropVolumeHUD();
-    dropBrightnessHUD();
+    volumeHUD_.drop();
+    brightnessHUD_.drop();
   }
   view::withAnimation(notchAnimation::show, [&] { viewModel_.isExpanded = isInside; });
 }
@@ -136,22 +140,22 @@ void NotchWindowController::scheduleTrackingUpdate() {
 }
 
 std::optional<NotchWindowController::Showing> NotchWindowController::obstacle(
-    std::string_view preference) const {
-  if (!platform_.userDefaults.boolForKey(preference)) return Showing::switchedOff;
+    const LevelIndicator& indicator) const {
+  if (!indicator.isEnabled()) return Showing::switchedOff;
   if (viewModel_.isExpanded) return Showing::expanded;
   return std::nullopt;
 }
 
 NotchWindowController::Showing NotchWindowController::showVolume() {
   if (volumeService_.deviceID() == 0) return Showing::unavailable;
-  if (const auto found = obstacle(preferenceKeys::volumeHUDEnabled)) return *found;
+  if (const auto found = obstacle(volumeHUD_)) return *found;
   showVolumeHUD(volumeService_.level(), volumeService_.isMuted());
   return Showing::shown;
 }
 
 NotchWindowController::Showing NotchWindowController::showBrightness() {
   if (!brightnessService_.isAvailable()) return Showing::unavailable;
-  if (const auto found = obstacle(preferenceKeys::brightnessHUDEnabled)) return *found;
+  if (const auto found = obstacle(brightnessHUD_)) return *found;
   // Changes made elsewhere are not watched for.
   brightnessService_.refresh();
   showBrightnessHUD(brightnessService_.level());
@@ -159,65 +163,30 @@ NotchWindowController::Showing NotchWindowController::showBrightness() {
 }
 
 void NotchWindowController::showVolumeHUD(float level, bool isMuted) {
-  if (!platform_.userDefaults.boolForKey(preferenceKeys::volumeHUDEnabled)) return;
-  if (viewModel_.isExpanded) return;
-  view::withAnimation(notchAnimation::show, [&] {
-    dropBrightnessHUD();
+  if (obstacle(volumeHUD_)) return;
+  volumeHUD_.show(brightnessHUD_, [&] {
     viewModel_.volumeLevel = level;
     viewModel_.isMuted = isMuted;
-    viewModel_.isVolumeHUDVisible = true;
   });
   scheduleVolumeHUDDismiss();
 }
 
 void NotchWindowController::showBrightnessHUD(float level) {
-  if (!platform_.userDefaults.boolForKey(preferenceKeys::brightnessHUDEnabled)) return;
-  if (viewModel_.isExpanded) return;
-  view::withAnimation(notchAnimation::show, [&] {
-    dropVolumeHUD();
-    viewModel_.brightnessLevel = level;
-    viewModel_.isBrightnessHUDVisible = true;
-  });
+  if (obstacle(brightnessHUD_)) return;
+  brightnessHUD_.show(volumeHUD_, [&] { viewModel_.brightnessLevel = level; });
   scheduleBrightnessHUDDismiss();
 }
 
-double NotchWindowController::hudDuration() const {
-  return preferenceRules::hudDuration(
-      platform_.userDefaults.doubleForKey(preferenceKeys::hudDuration));
-}
-
 void NotchWindowController::scheduleVolumeHUDDismiss() {
-  volumeDismissTimer_.reset();
-  volumeDismissTimer_ = platform_.runLoop.scheduleTimer(
-      hudDuration(), false, lifetime_.weak([this] { hideVolumeHUD(); }));
+  volumeHUD_.scheduleDismiss(lifetime_.weak([this] { hideVolumeHUD(); }));
 }
 
 void NotchWindowController::scheduleBrightnessHUDDismiss() {
-  brightnessDismissTimer_.reset();
-  brightnessDismissTimer_ = platform_.runLoop.scheduleTimer(
-      hudDuration(), false, lifetime_.weak([this] { hideBrightnessHUD(); }));
+  brightnessHUD_.scheduleDismiss(lifetime_.weak([this] { hideBrightnessHUD(); }));
 }
 
-void NotchWindowController::hideVolumeHUD() {
-  volumeDismissTimer_.reset();
-  view::withAnimation(notchAnimation::hide, [&] { viewModel_.isVolumeHUDVisible = false; });
-}
+void NotchWindowController::hideVolumeHUD() { volumeHUD_.hide(); }
 
-void NotchWindowController::hideBrightnessHUD() {
-  brightnessDismissTimer_.reset();
-  view::withAnimation(notchAnimation::hide, [&] { viewModel_.isBrightnessHUDVisible = false; });
-}
-
-void NotchWindowController::dropVolumeHUD() {
-  if (!viewModel_.isVolumeHUDVisible) return;
-  volumeDismissTimer_.reset();
-  viewModel_.isVolumeHUDVisible = false;
-}
-
-void NotchWindowController::dropBrightnessHUD() {
-  if (!viewModel_.isBrightnessHUDVisible) return;
-  brightnessDismissTimer_.reset();
-  viewModel_.isBrightnessHUDVisible = false;
-}
+void NotchWindowController::hideBrightnessHUD() { brightnessHUD_.hide(); }
 
 }  // namespace valdrix

@@ -2,11 +2,11 @@
 
 #include <memory>
 #include <optional>
-#include <string_view>
 
 #include "calendar/CalendarService.h"
 #include "media/BrightnessService.h"
 #include "media/VolumeService.h"
+#include "notch/LevelIndicator.h"
 #include "notch/NotchViewModel.h"
 #include "notch/NotchWindow.h"
 #include "observation/Lifetime.h"
@@ -65,11 +65,8 @@ class NotchWindowController {
   void scheduleBrightnessHUDDismiss();
   void hideVolumeHUD();
   void hideBrightnessHUD();
-  /// Takes an indicator away without an animation of its own, with its timer.
-  void dropVolumeHUD();
-  void dropBrightnessHUD();
-  [[nodiscard]] double hudDuration() const;
-  [[nodiscard]] std::optional<Showing> obstacle(std::string_view preference) const;
+  /// Why an indicator cannot be shown now, if so.
+  [[nodiscard]] std::optional<Showing> obstacle(const LevelIndicator& indicator) const;
 
   const platform::Platform& platform_;
   std::unique_ptr<NotchWindow> window_;
@@ -80,8 +77,8 @@ class NotchWindowController {
   Token screenObserver_;
   Token globalMonitor_;
   Token localMonitor_;
-  Token volumeDismissTimer_;
-  Token brightnessDismissTimer_;
+  LevelIndicator volumeHUD_;
+  LevelIndicator brightnessHUD_;
   view::Size windowSize_{720, 1000};
   Observer trackingObserver_;
   bool isTrackingUpdateScheduled_ = false;
