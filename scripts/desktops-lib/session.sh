@@ -9,7 +9,7 @@ begin_session() {
   session=$(mktemp -d "${TMPDIR:-/tmp}/valdrix-$1.XXXXXX")
   trap end_session EXIT
   use_private_environment
-  unset DISPLAY XDG_CONFIG_DIRS XDG_CURRENT_DESKTOP DESKTOP_SESSION GTK_THEME
+  unset DISPLAY XDG_CONFIG_DIRS XDG_CURRENT_DESKTOP XDG_MENU_PREFIX DESKTOP_SESSION GTK_THEME
   unset QT_QPA_PLATFORM QT_STYLE_OVERRIDE QT_QPA_PLATFORMTHEME GSETTINGS_BACKEND
   # Inherited by all that the desktop starts, so that nothing of it is left behind.
   export VALDRIX_DESKTOP_SESSION=$session
