@@ -215,6 +215,21 @@ TEST_F(X11PanelWindowTest, HearsOfAPointerThatLeftUnderAnotherWindow) {
   EXPECT_EQ(moves, 1);
 }
 
+// Screens change under the pointer, which is gone before the new panel can see it.
+TEST_F(X11PanelWindowTest, HearsOfAPointerThatLeftBeforeItWasShown) {
+  start();
+  panel->accept();
+  world->move(panel->at(0, 16));
+  panel->window->orderOut();
+  world->settle();
+  world->move(panel->at(0, 200));
+  int moves = 0;
+  const auto global =
+      world->pointer().addGlobalMonitorForEventsMatchingMask(1U << 5, [&] { ++moves; });
+  panel->window->orderFrontRegardless();
+  EXPECT_TRUE(waitFor([&] { return moves == 1; }));
+}
+
 TEST_F(X11PanelWindowTest, ShowsAHandWhereAsked) {
   start();
   panel->accept();

@@ -107,6 +107,15 @@ void X11InputRegion::show() {
     exception_ = place->position;
   apply();
   updateWindows();
+  reportIfLeftWhileHidden();
+}
+
+// A window that takes the pointer from the first is one in which it was seen: at the panel's place,
+// which hangs from the middle of the upper edge. Whoever saw it there has not seen it leave.
+void X11InputRegion::reportIfLeftWhileHidden() {
+  if (ignoresMouseEvents_) return;
+  position_ = {frame_.center().x(), frame_.top()};
+  if (const auto place = pointer_.query()) reportIfLeftUnseen(*place);
 }
 
 void X11InputRegion::updateWindows() {

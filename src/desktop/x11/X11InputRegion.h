@@ -79,6 +79,7 @@ class X11InputRegion {
   void movedTo(QPoint position, std::uint16_t state);
   void report(const X11Pointer::Place& place, X11Pointer::Destination destination);
   void movedElsewhere(const X11Pointer::Place& place);
+  void reportIfLeftWhileHidden();
   void reportIfLeftUnseen(const X11Pointer::Place& place);
   void settleAfterEntering();
   void settle();
