@@ -29,9 +29,10 @@ DesktopNotification::Text DesktopNotification::mediaKeysTaken() {
 }
 
 DesktopNotification::Text DesktopNotification::mediaKeysWithheld() {
-  return {"Touches de volume et de luminosité",
-          "Ce bureau ne donne ces touches à aucun programme. La commande valdrix permissions montre "
-          "comment valdrix peut quand même les avoir."};
+  return {
+      "Touches de volume et de luminosité",
+      "Ce bureau ne donne ces touches à aucun programme. La commande valdrix permissions montre "
+      "comment valdrix peut quand même les avoir."};
 }
 
 void DesktopNotification::show(const Text& text) {

@@ -10,10 +10,9 @@
 namespace valdrix::desktop {
 
 /// What the user has allowed and refused, kept apart from the preferences: an INI file whose
-/// `calendars` says `allowed` or `refused`; anything else counts as never asked. `toldKeyLoss` keeps
-/// what was told of missing keys. Written, watched
-/// and, when damaged, set aside as the preferences are; other keys stay. An answer that cannot be
-/// written holds for this run.
+/// `calendars` says `allowed` or `refused`; anything else counts as never asked. `toldKeyLoss`
+/// keeps what was told of missing keys. Written, watched and, when damaged, set aside as the
+/// preferences are; other keys stay. An answer that cannot be written holds for this run.
 class PrivacyRecord {
  public:
   enum class Answer { none, allowed, refused };
