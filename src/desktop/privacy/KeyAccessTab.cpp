@@ -75,8 +75,10 @@ void KeyAccessTab::refresh() {
 view::TabContent KeyAccessTab::body() const {
   const auto& state = state_.get();
   view::Form form{{keys()}};
-  if (!state.custody.places.empty()) form.sections.push_back(custody());
-  if (isAny(state.account, KeyState::withheld)) form.sections.push_back(commands());
+  if (!state.custody.places.empty())
+    form.sections.push_back(custody());
+  else if (isAny(state.account, KeyState::withheld))
+    form.sections.push_back(commands());
   form.sections.push_back(indicator());
   return form;
 }
