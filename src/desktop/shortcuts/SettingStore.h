@@ -27,6 +27,7 @@ class SettingStore {
   [[nodiscard]] virtual std::string name() const = 0;
   /// The settings that `pattern` stands for where names vary from user to user. A store without
   /// patterns knows names alone, and may answer before it returns.
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
   virtual void find(const std::string& pattern, OnFound done) { done({{pattern}}); }
   virtual void read(const std::string& setting, OnRead done) = 0;
   virtual void write(const std::string& setting, const Value& value, OnWritten done) = 0;

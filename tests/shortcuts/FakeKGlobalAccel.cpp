@@ -1,4 +1,4 @@
-#include "tests/keys/FakeKGlobalAccel.h"
+#include "tests/shortcuts/FakeKGlobalAccel.h"
 
 #include <algorithm>
 

@@ -13,7 +13,7 @@
 #include "desktop/shortcuts/KGlobalAccelKeys.h"
 #include "desktop/shortcuts/KGlobalAccelSettings.h"
 #include "platform/EventTaps.h"
-#include "tests/keys/FakeKGlobalAccel.h"
+#include "tests/shortcuts/FakeKGlobalAccel.h"
 #include "tests/session/PrivateBus.h"
 #include "tests/support/WaitFor.h"
 
