@@ -25,7 +25,7 @@ constexpr std::array<std::string_view, 2> links{platform::privacyLinks::calendar
 
 }  // namespace
 
-PrivacySettings::PrivacySettings(Ports ports) : ports_(std::move(ports)) {}
+PrivacySettings::PrivacySettings(const Ports& ports) : ports_(ports) {}
 
 PrivacySettings::~PrivacySettings() = default;
 

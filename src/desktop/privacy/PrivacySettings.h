@@ -33,7 +33,7 @@ class PrivacySettings {
     KeyCustody* custody = nullptr;
   };
 
-  explicit PrivacySettings(Ports ports);
+  explicit PrivacySettings(const Ports& ports);
   ~PrivacySettings();
   PrivacySettings(const PrivacySettings&) = delete;
   PrivacySettings& operator=(const PrivacySettings&) = delete;

@@ -14,6 +14,7 @@ void releaseSegment(std::uintptr_t start, std::uintptr_t end) {
   const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   start &= ~(pageSize - 1);
   // Not written to, so they are read from their file again. Where that is refused they stay.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader knows segments by their numbers.
   (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_DONTNEED);
 }
 

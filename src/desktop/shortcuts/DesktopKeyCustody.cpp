@@ -79,13 +79,15 @@ void DesktopKeyCustody::reconcile() {
 }
 
 DesktopKeyCustody::Changes DesktopKeyCustody::wantedChanges() const {
+  if (!desktop_ || !desktop_->changes) return {};
   const bool isBroken = record_.status() == CustodyRecord::Status::broken;
-  if (isBroken && desktop_ && desktop_->changes) return desktop_->changes(desktop_->keys, program_);
+  if (isBroken) return desktop_->changes(desktop_->keys, program_);
   return isConsented() ? desktop_->changes(wantedKeys(), program_) : Changes();
 }
 
 KnownDesktop::Keys DesktopKeyCustody::wantedKeys() const {
   KnownDesktop::Keys keys;
+  if (!desktop_ || !wanted_) return keys;
   std::ranges::set_intersection(desktop_->keys, *wanted_, std::inserter(keys, keys.end()));
   return keys;
 }

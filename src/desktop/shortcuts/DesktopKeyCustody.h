@@ -62,7 +62,6 @@ class DesktopKeyCustody final : public KeyCustody {
   void finish(const CustodyPlan& plan);
 
   [[nodiscard]] Changes wantedChanges() const;
-  /// To be asked only with consent.
   [[nodiscard]] KnownDesktop::Keys wantedKeys() const;
   [[nodiscard]] std::vector<Setting> settingsOf(const Changes& changes) const;
   /// Whether the entry is this pass's business.

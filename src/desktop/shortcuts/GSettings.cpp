@@ -53,7 +53,7 @@ void GSettings::write(const std::string& setting, const Value& value, OnWritten 
   });
 }
 
-void GSettings::list(const QString& schema, OnListed done) {
+void GSettings::list(const QString& schema, const OnListed& done) {
   const bool isFresh = listed_ == schema && age_.isValid() && !age_.hasExpired(freshMilliseconds);
   const QStringList words = isFresh ? QStringList() : QStringList{"list-recursively", schema};
   tool_.run(words, {}, [this, isFresh, schema, done](const std::optional<QByteArray>& output) {
@@ -67,7 +67,7 @@ void GSettings::list(const QString& schema, OnListed done) {
   });
 }
 
-void GSettings::listDefaults(const QString& schema, OnListed done) {
+void GSettings::listDefaults(const QString& schema, const OnListed& done) {
   const auto name = schema.section(':', 0, 0);
   if (const auto known = defaults_.find(name); known != defaults_.end())
     return done(&known->second);

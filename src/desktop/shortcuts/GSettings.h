@@ -27,8 +27,8 @@ class GSettings final : public SettingStore {
 
   /// The keys of a schema with their values; null when there is no such schema, or nobody answers.
   using OnListed = std::function<void(const Keys* keys)>;
-  void list(const QString& schema, OnListed done);
-  void listDefaults(const QString& schema, OnListed done);
+  void list(const QString& schema, const OnListed& done);
+  void listDefaults(const QString& schema, const OnListed& done);
 
   ToolRunner tool_{"gsettings"};
   /// What was listed last, which answers for its other keys in the same breath.

@@ -73,7 +73,7 @@ std::set<xcb_keycode_t> KeyGrabs::probe(const std::set<KeyCombination>& wanted) 
 }
 
 std::set<xcb_keycode_t> KeyGrabs::grab(const std::set<KeyCombination>& wanted) {
-  const auto denied = deniedOf(connection_, sendGrabs(connection_, roots_, wanted));
+  auto denied = deniedOf(connection_, sendGrabs(connection_, roots_, wanted));
   for (const auto& combination : wanted) {
     if (denied.contains(combination.key)) {
       ungrab(combination);

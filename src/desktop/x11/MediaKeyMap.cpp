@@ -1,7 +1,6 @@
 #include "desktop/x11/MediaKeyMap.h"
 
 #include <algorithm>
-#include <utility>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace valdrix::desktop {
@@ -34,8 +33,8 @@ std::optional<MediaKey> mediaKey(xcb_keysym_t keysym) {
 
 }  // namespace
 
-MediaKeyMap::MediaKeyMap(const Keymap& keymap, KeyModifiers modifiers)
-    : modifiers_(std::move(modifiers)) {
+MediaKeyMap::MediaKeyMap(const Keymap& keymap, const KeyModifiers& modifiers)
+    : modifiers_(modifiers) {
   for (unsigned key = firstKeycode; key <= lastKeycode; ++key) {
     const auto keycode = static_cast<xcb_keycode_t>(key);
     const auto symbols = keymap.keysyms(keycode);

@@ -29,7 +29,7 @@ struct KeyCombination {
 class MediaKeyMap {
  public:
   MediaKeyMap() = default;
-  MediaKeyMap(const Keymap& keymap, KeyModifiers modifiers);
+  MediaKeyMap(const Keymap& keymap, const KeyModifiers& modifiers);
 
   /// Which media key this is under an event's `state`; none when it is none.
   [[nodiscard]] std::optional<platform::MediaKey> key(xcb_keycode_t keycode,
