@@ -82,7 +82,8 @@ def rows_of(image):
 
 def changed_area(before, after, cell=8):
     """The rectangle around the largest patch that looks clearly different, in steps of `cell` pixels."""
-    difference = ImageChops.difference(before, after).convert("L").point(lambda value: 255 if value > 16 else 0)
+    red, green, blue = ImageChops.difference(before, after).convert("RGB").split()
+    difference = ImageChops.lighter(ImageChops.lighter(red, green), blue).point(lambda value: 255 if value > 16 else 0)
     columns, rows = difference.width // cell, difference.height // cell
     small = difference.resize((columns, rows), Image.BOX).load()
     left = {(x, y) for x in range(columns) for y in range(rows) if small[x, y] > 60}

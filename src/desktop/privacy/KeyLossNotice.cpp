@@ -1,5 +1,9 @@
 #include "desktop/privacy/KeyLossNotice.h"
 
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -9,14 +13,19 @@ namespace {
 
 constexpr double patience = 10;
 
-/// Which keys are missing and why, for the record; empty when none is.
-std::string causeOf(const KeyAccount& account) {
-  std::string cause;
+/// What is missing and why, in the words of the record.
+std::set<std::string> lossesOf(const KeyAccount& account) {
+  std::set<std::string> losses;
   for (const auto& entry : account.keys)
     if (KeyAccount::isMissing(entry))
-      cause += (entry.state == KeyState::taken ? " taken:" : " withheld:") +
-               std::string(platform::wordOf(entry.key));
-  return cause.empty() ? cause : cause.substr(1);
+      losses.insert((entry.state == KeyState::taken ? "taken:" : "withheld:") +
+                    std::string(platform::wordOf(entry.key)));
+  return losses;
+}
+
+std::set<std::string> wordsOf(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
 }
 
 }  // namespace
@@ -40,11 +49,15 @@ void KeyLossNotice::accountChanged() {
 
 void KeyLossNotice::tell() {
   patience_.reset();
-  const auto account = keys_.account();
-  const auto cause = causeOf(account);
-  if (cause.empty() || record_.toldKeyLoss() == cause) return;
-  record_.setToldKeyLoss(cause);
-  const bool isTaken = cause.find("taken:") != std::string::npos;
+  const auto losses = lossesOf(keys_.account());
+  auto told = wordsOf(record_.toldKeyLosses());
+  if (std::ranges::includes(told, losses)) return;
+  told.insert(losses.begin(), losses.end());
+  std::string words;
+  for (const auto& loss : told) words += (words.empty() ? "" : " ") + loss;
+  record_.setToldKeyLosses(words);
+  const bool isTaken =
+      std::ranges::any_of(losses, [](const auto& loss) { return loss.starts_with("taken"); });
   show_(isTaken ? DesktopNotification::mediaKeysTaken() : DesktopNotification::mediaKeysWithheld());
 }
 

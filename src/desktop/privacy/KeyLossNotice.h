@@ -10,9 +10,9 @@
 
 namespace valdrix::desktop {
 
-/// Tells the user once that keys are missing: once for each cause, which the record remembers, and
-/// not anew at each login. Desktops take and leave keys while they start, so a loss is told of when
-/// it has lasted ten seconds.
+/// Tells the user that keys are missing: of each key once for each cause, which the record
+/// remembers, and not anew at each login. Desktops take and leave keys while they start, so a loss
+/// is told of when it has lasted ten seconds.
 class KeyLossNotice {
  public:
   using Show = std::function<void(const DesktopNotification::Text&)>;

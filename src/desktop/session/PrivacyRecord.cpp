@@ -8,7 +8,7 @@ namespace valdrix::desktop {
 namespace {
 
 constexpr auto calendarsKey = "calendars";
-constexpr auto toldKeyLossKey = "toldKeyLoss";
+constexpr auto toldKeyLossesKey = "toldKeyLosses";
 constexpr auto allowed = "allowed";
 constexpr auto refused = "refused";
 
@@ -35,10 +35,12 @@ void PrivacyRecord::setCalendars(Answer answer) {
   file_.set(calendarsKey, std::string(answer == Answer::allowed ? allowed : refused));
 }
 
-std::string PrivacyRecord::toldKeyLoss() const {
-  return file_.stringForKey(toldKeyLossKey).value_or(std::string());
+std::string PrivacyRecord::toldKeyLosses() const {
+  return file_.stringForKey(toldKeyLossesKey).value_or(std::string());
 }
 
-void PrivacyRecord::setToldKeyLoss(const std::string& cause) { file_.set(toldKeyLossKey, cause); }
+void PrivacyRecord::setToldKeyLosses(const std::string& losses) {
+  file_.set(toldKeyLossesKey, losses);
+}
 
 }  // namespace valdrix::desktop

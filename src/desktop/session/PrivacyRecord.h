@@ -10,7 +10,7 @@
 namespace valdrix::desktop {
 
 /// What the user has allowed and refused, kept apart from the preferences: an INI file whose
-/// `calendars` says `allowed` or `refused`; anything else counts as never asked. `toldKeyLoss`
+/// `calendars` says `allowed` or `refused`; anything else counts as never asked. `toldKeyLosses`
 /// keeps what was told of missing keys. Written, watched and, when damaged, set aside as the
 /// preferences are; other keys stay. An answer that cannot be written holds for this run.
 class PrivacyRecord {
@@ -27,9 +27,9 @@ class PrivacyRecord {
   /// `answer` is a given one.
   void setCalendars(Answer answer);
 
-  /// The loss of keys that the user was told of last; empty when of none.
-  [[nodiscard]] std::string toldKeyLoss() const;
-  void setToldKeyLoss(const std::string& cause);
+  /// The losses of keys that the user has been told of, in words divided by blanks.
+  [[nodiscard]] std::string toldKeyLosses() const;
+  void setToldKeyLosses(const std::string& losses);
 
   /// Calls `block` at a later turn of the loop after the record changed, whoever changed it.
   [[nodiscard]] Token observeChanges(std::function<void()> block) {
