@@ -39,8 +39,8 @@ class UserDefaults {
   /// The stored or registered value, or nothing.
   [[nodiscard]] virtual std::optional<std::string> stringForKey(std::string_view key) const = 0;
 
-  /// Stores `value` for the user. Reads see it at once; on a desktop it is on disk when the call
-  /// returns, whole or not at all.
+  /// Stores `value` for the user. Reads see it at once; on a desktop it is on disk shortly after,
+  /// whole or not at all, and nobody waits for that.
   virtual void set(std::string_view key, Value value) = 0;
 
   /// Calls `block` after the stored values may have changed, whoever changed them.

@@ -137,9 +137,11 @@ TEST(Accessibility, SettingsAndPermissionsAreChanged) {
   EXPECT_TRUE(tree.isChecked(*control));
   EXPECT_TRUE(tree.act(*control));
   EXPECT_TRUE(waitFor([&] { return !tree.isChecked(*control) && !holdsKey(); }));
-  QFile preferences(desktop.preferencesFile());
-  ASSERT_TRUE(preferences.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(preferences.readAll().contains("volumeHUDEnabled=false"));
+  EXPECT_TRUE(waitFor([&] {
+    QFile preferences(desktop.preferencesFile());
+    return preferences.open(QIODevice::ReadOnly) &&
+           preferences.readAll().contains("volumeHUDEnabled=false");
+  }));
   desktop.keys.tap(key::volumeUp);
   EXPECT_EQ(desktop.presentation(), "collapsed");
   EXPECT_TRUE(desktop.awaitVolume(0.5)) << "nobody turned it up";

@@ -1,20 +1,38 @@
 // What is particular to preferences in a file: other writers, damage, kills, permissions.
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <memory>
+#include <unistd.h>
 #include <vector>
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 #include "desktop/session/IniUserDefaults.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Unprivileged.h"
 #include "tests/support/WaitFor.h"
+
+namespace {
+
+std::atomic<int> syncs = 0;
+std::atomic<bool> isDiskHeld = false;
+
+}  // namespace
+
+// Stands in for the system's: counts, and waits as long as the disk is to hang.
+extern "C" int fsync(int fd) {
+  ++syncs;
+  isDiskHeld.wait(true);
+  return static_cast<int>(::syscall(SYS_fsync, fd));
+}
 
 namespace valdrix::desktop {
 namespace {
@@ -39,7 +57,16 @@ class IniUserDefaultsTest : public testing::Test {
     fs::permissions(folder_, fs::perms::all);
   }
 
-  IniUserDefaults& open() { return *(defaults_ = std::make_unique<IniUserDefaults>(file_)); }
+  IniUserDefaults& open() {
+    defaults_ = std::make_unique<IniUserDefaults>(file_);
+    finish();
+    return *defaults_;
+  }
+  void finish() { EXPECT_TRUE(defaults_->finishWrites(std::chrono::seconds(10))); }
+  void save(std::string_view key, platform::UserDefaults::Value value) {
+    defaults_->set(key, std::move(value));
+    finish();
+  }
   std::vector<std::string> files() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder_))
@@ -59,10 +86,41 @@ class IniUserDefaultsTest : public testing::Test {
 TEST_F(IniUserDefaultsTest, WhatOthersWroteStaysAsItWas) {
   write(file_, "# mine\n[General]\nfuture=a,b\n[Window]\nx=1\n");
   fs::permissions(file_, fs::perms(0640));
-  open().set("maxEvents", std::int64_t{5});
+  (void)open();
+  save("maxEvents", std::int64_t{5});
   EXPECT_EQ(read(file_), "# mine\n[General]\nfuture=a,b\nmaxEvents=5\n[Window]\nx=1\n");
   EXPECT_EQ(fs::status(file_).permissions(), fs::perms(0640));
   EXPECT_EQ(files(), Names{"valdrix.conf"});
+}
+
+TEST_F(IniUserDefaultsTest, ASlowDiskHoldsUpNobodyAndLosesNothing) {
+  using std::chrono::seconds;
+  auto& defaults = open();
+  syncs = 0;
+  for (std::int64_t i = 1; i <= 40; ++i) defaults.set("a", i);
+  finish();
+  EXPECT_EQ(syncs, 2) << "one write: the file and its folder";
+  EXPECT_EQ(read(file_), "[General]\na=40\n");
+
+  isDiskHeld = true;
+  defaults.set("a", std::int64_t{41});
+  ASSERT_TRUE(waitFor([] { return syncs == 3; }));
+  write(file_, "# mine\nb=1\n");
+  EXPECT_EQ(defaults.integerForKey("a"), 41);
+  EXPECT_EQ(defaults.integerForKey("b"), 1);
+  isDiskHeld = false;
+  isDiskHeld.notify_all();
+  finish();
+  EXPECT_EQ(read(file_), "# mine\nb=1\na=41\n");
+
+  isDiskHeld = true;
+  defaults.set("a", std::int64_t{42});
+  const auto start = std::chrono::steady_clock::now();
+  defaults_.reset();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, seconds(4));
+  isDiskHeld = false;
+  isDiskHeld.notify_all();
+  EXPECT_TRUE(waitFor([&] { return read(file_) == "# mine\nb=1\na=42\n"; }));
 }
 
 TEST_F(IniUserDefaultsTest, ADamagedFileIsSetAsideAtTheStart) {
@@ -88,7 +146,7 @@ TEST_F(IniUserDefaultsTest, ADamagedFileIsSetAsideAtTheStart) {
     EXPECT_EQ(defaults.integerForKey("a"), survivor) << name;
     expectedFiles.push_back("valdrix.conf.broken-" + std::to_string(expectedFiles.size()));
     EXPECT_EQ(read(folder_ / expectedFiles.back()), content) << name;
-    defaults.set("b", true);
+    save("b", true);
     EXPECT_EQ(files(), expectedFiles) << name;
     EXPECT_TRUE(open().boolForKey("b")) << name;
     EXPECT_EQ(open().integerForKey("a"), survivor == 7 ? 0 : survivor) << name;
@@ -104,11 +162,11 @@ TEST_F(IniUserDefaultsTest, AFileOfAbsurdSizeIsSetAsideUnread) {
 
 TEST_F(IniUserDefaultsTest, AFileDamagedMeanwhileStaysInPlaceUntilTheNextWrite) {
   auto& defaults = open();
-  defaults.set("a", std::int64_t{1});
+  save("a", std::int64_t{1});
   write(file_, "[General]\na=2\nhalf a li");
   EXPECT_EQ(defaults.integerForKey("a"), 2);
   EXPECT_EQ(files(), Names{"valdrix.conf"});
-  defaults.set("b", std::int64_t{3});
+  save("b", std::int64_t{3});
   EXPECT_EQ(read(folder_ / "valdrix.conf.broken-1"), "[General]\na=2\nhalf a li");
   EXPECT_EQ(read(file_), "[General]\na=2\nb=3\n");
 }
@@ -140,7 +198,7 @@ TEST_F(IniUserDefaultsTest, ChangesFromOutsideAreReadAtOnceAndReported) {
     // Lest a notice that is still queued stand in for the next one.
     QCoreApplication::processEvents();
   };
-  defaults.set("a", std::int64_t{1});
+  save("a", std::int64_t{1});
   expectNoticed(1);
 
   std::int64_t next = 1;
@@ -164,9 +222,9 @@ TEST_F(IniUserDefaultsTest, ChangesFromOutsideAreReadAtOnceAndReported) {
   });
   fs::remove_all(folder_.parent_path());
   expectNoticed(0);
-  fs::create_directories(folder_);
-  write(file_, "[General]\na=99\n");
+  save("a", std::int64_t{99});
   expectNoticed(99);
+  EXPECT_EQ(read(file_), "[General]\na=99\n") << "in a folder made anew";
   expectChange("in the new folder", replace);
 }
 
@@ -176,7 +234,7 @@ TEST_F(IniUserDefaultsTest, ALinkStaysALinkAndItsTargetIsWatched) {
   write(dotfiles / "conf", "a=1\n");
   fs::create_symlink("../../dotfiles/conf", file_);
   auto& defaults = open();
-  defaults.set("b", std::int64_t{2});
+  save("b", std::int64_t{2});
   EXPECT_TRUE(fs::is_symlink(file_));
   EXPECT_EQ(read(dotfiles / "conf"), "a=1\nb=2\n");
 
@@ -189,13 +247,15 @@ TEST_F(IniUserDefaultsTest, ALinkStaysALinkAndItsTargetIsWatched) {
   EXPECT_EQ(defaults.integerForKey("a"), 3);
 
   write(dotfiles / "conf", "junk\n");
-  open().set("a", std::int64_t{4});
+  (void)open();
+  save("a", std::int64_t{4});
   EXPECT_TRUE(fs::is_symlink(file_));
   EXPECT_EQ(read(dotfiles / "conf.broken-1"), "junk\n");
   EXPECT_EQ(read(file_), "[General]\na=4\n");
 
   fs::remove(dotfiles / "conf");
-  open().set("a", std::int64_t{5});
+  (void)open();
+  save("a", std::int64_t{5});
   EXPECT_TRUE(fs::is_symlink(file_)) << "also a dangling one";
   EXPECT_EQ(read(dotfiles / "conf"), "[General]\na=5\n");
 }
@@ -220,14 +280,14 @@ TEST_F(IniUserDefaultsTest, WhatCannotBeWrittenCountsForThisRun) {
     {
       const tests::Unprivileged unprivileged;
       auto& defaults = open();
-      defaults.set("a", std::int64_t{2});
+      save("a", std::int64_t{2});
       EXPECT_EQ(defaults.integerForKey("a"), 2);
     }
     EXPECT_EQ(read(file_), "[General]\na=1\n");
     EXPECT_EQ(files(), Names{"valdrix.conf"});
     fs::permissions(path, after);
     fs::permissions(file_, fs::perms(0666));
-    defaults_->set("b", std::int64_t{3});
+    save("b", std::int64_t{3});
     EXPECT_EQ(read(file_), "[General]\na=2\nb=3\n") << "and goes along with the next write";
   }
 }
@@ -237,7 +297,7 @@ TEST_F(IniUserDefaultsTest, WhatIsNoFileIsLeftAlone) {
     SCOPED_TRACE(what);
     auto& defaults = open();
     EXPECT_EQ(defaults.stringForKey("a"), std::nullopt);
-    defaults.set("a", std::string("x"));
+    save("a", std::string("x"));
     EXPECT_EQ(defaults.stringForKey("a"), "x");
     EXPECT_EQ(files(), Names{"valdrix.conf"});
   };

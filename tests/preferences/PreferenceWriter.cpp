@@ -1,6 +1,7 @@
 // Writes preferences until it is killed. Each value is a run of one letter, so that a reader can
 // see whether it is whole. Says each time that a value is on disk.
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 
@@ -15,6 +16,7 @@ int main(int argc, char** argv) {
   for (std::size_t round = 0;; ++round) {
     const char letter = static_cast<char>('a' + round % 26);
     defaults.set("run", std::string(1000 + 30000 * (round % 3), letter));
+    if (!defaults.finishWrites(std::chrono::seconds(10))) return 1;
     std::putchar('.');
     std::fflush(stdout);
   }

@@ -111,7 +111,8 @@ TEST_F(DesktopEventStoreTest, IsAskedOnceForAllRequestsAndRemembered) {
   EXPECT_TRUE(granted.back());
   EXPECT_EQ(prompt.questions, questions) << "the answer is known";
   EXPECT_EQ(sources_[0]->starts, 1);
-  EXPECT_TRUE(record().contains("# kept\nother=1\n"));
+  EXPECT_TRUE(
+      tests::waitFor([&] { return record().contains("# kept\nother=1\ncalendars=allowed\n"); }));
   EXPECT_EQ(QDir(folder_.path()).entryList({"*.broken-*"}).size(), 1);
 
   // Withdrawn by hand, while it runs.

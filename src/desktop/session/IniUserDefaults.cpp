@@ -4,39 +4,31 @@
 
 #include <QFile>
 #include <QStandardPaths>
-#include <system_error>
 
 namespace valdrix::desktop {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr std::size_t maximumSize = std::size_t{64} << 20;
-
 // The folder is made right away because a watch on it is cheaper than one on its parent, where
 // other programs' files come and go.
 fs::path withFolder(fs::path file) {
-  std::error_code error;
-  if (fs::create_directories(file.parent_path(), error))
-    fs::permissions(file.parent_path(), fs::perms::owner_all, error);
+  makeFolderOf(file);
   return file;
-}
-
-fs::path freeNameBeside(const fs::path& file) {
-  std::error_code error;
-  for (int number = 1;; ++number) {
-    auto name = file;
-    name += ".broken-" + std::to_string(number);
-    if (!fs::exists(fs::symlink_status(name, error))) return name;
-  }
 }
 
 }  // namespace
 
 IniUserDefaults::IniUserDefaults(fs::path file)
-    : file_(withFolder(std::move(file))), watch_(file_, [this] { replaceSnapshot(load()); }) {
+    : file_(withFolder(std::move(file))),
+      writer_(file_,
+              [this] {
+                QMetaObject::invokeMethod(
+                    &turn_, [this] { look(); }, Qt::QueuedConnection);
+              }),
+      watch_(file_, [this] { look(); }) {
   removeAbandonedWrites(file_);
-  snapshot_ = load();
-  if (snapshot_.isDamaged) save();
+  found_ = IniFile::read(file_);
+  if (found_.isDamaged) writer_.mend();
 }
 
 fs::path IniUserDefaults::standardFile() {
@@ -44,32 +36,35 @@ fs::path IniUserDefaults::standardFile() {
   return fs::path(QFile::encodeName(folder).toStdString()) / "valdrix" / "valdrix.conf";
 }
 
-IniUserDefaults::Snapshot IniUserDefaults::load() const {
-  // Taken first: a change during the read then shows as one afterwards.
-  Snapshot snapshot{stampOf(file_), FileContent::Status::missing, false, {}};
-  auto content = readWholeFile(file_, maximumSize);
-  snapshot.status = content.status;
-  const bool isText = content.bytes.find('\0') == std::string::npos;
-  if (isText) snapshot.document = IniDocument(content.bytes);
-  snapshot.isDamaged = content.status == FileContent::Status::tooLarge || !isText ||
-                       snapshot.document.hasUnreadableLines();
-  return snapshot;
+void IniUserDefaults::look() const {
+  const auto results = writer_.takeResults();
+  if (results.empty() && stampOf(file_) == found_.stamp) return;
+  const auto before = values();
+  for (const auto& result : results) forget(result);
+  if (stampOf(file_) != found_.stamp) found_ = IniFile::read(file_);
+  if (values() != before) scheduleNotice();
 }
 
-const IniUserDefaults::Snapshot& IniUserDefaults::current() const {
-  if (stampOf(file_) != snapshot_.stamp) replaceSnapshot(load());
-  return snapshot_;
+void IniUserDefaults::forget(const IniWriter::Result& result) const {
+  for (const auto& [key, value] : result.values)
+    if (const auto entry = unsaved_.find(key);
+        result.isSaved && entry != unsaved_.end() && entry->second == value)
+      unsaved_.erase(entry);
+  const bool isFailure = !result.isSaved && !result.values.empty();
+  if (isFailure && !hasFailed_) scheduleNotice();
+  hasFailed_ = isFailure;
 }
 
-void IniUserDefaults::replaceSnapshot(Snapshot snapshot) const {
-  const bool isNews = snapshot.document.values() != snapshot_.document.values();
-  snapshot_ = std::move(snapshot);
-  if (isNews) scheduleNotice();
+IniDocument::Values IniUserDefaults::values() const {
+  auto all = unsaved_;
+  all.insert(found_.document.values().begin(), found_.document.values().end());
+  return all;
 }
 
 std::optional<std::string_view> IniUserDefaults::storedText(std::string_view key) const {
+  look();
   if (const auto value = unsaved_.find(key); value != unsaved_.end()) return value->second;
-  const auto& values = current().document.values();
+  const auto& values = found_.document.values();
   const auto value = values.find(key);
   if (value == values.end()) return std::nullopt;
   return value->second;
@@ -78,34 +73,15 @@ std::optional<std::string_view> IniUserDefaults::storedText(std::string_view key
 void IniUserDefaults::set(std::string_view key, Value value) {
   auto text = textOf(value);
   if (const auto stored = storedText(key); stored == text && unsaved_.empty()) return;
+  if (IniDocument::isKey(key)) writer_.set(key, text);
   unsaved_.insert_or_assign(std::string(key), std::move(text));
   scheduleNotice();
-  save();
 }
 
-void IniUserDefaults::save() {
-  if (current().status == FileContent::Status::unreadable) return;
-  if (snapshot_.isDamaged && !setAside()) return;
-  auto document = snapshot_.document;
-  document.removeUnreadableLines();
-  auto stillUnsaved = unsaved_;
-  for (const auto& [key, value] : unsaved_) {
-    if (!IniDocument::isKey(key)) continue;
-    document.set(key, value);
-    stillUnsaved.erase(key);
-  }
-  const auto text = document.text();
-  if (text.empty() || text.size() > maximumSize) return;
-  if (!writeWholeFile(file_, text)) return;
-  unsaved_ = std::move(stillUnsaved);
-  snapshot_ = {stampOf(file_), FileContent::Status::read, false, std::move(document)};
-}
-
-bool IniUserDefaults::setAside() {
-  const auto target = followLinks(file_);
-  std::error_code error;
-  fs::rename(target, freeNameBeside(target), error);
-  return !error;
+bool IniUserDefaults::finishWrites(std::chrono::milliseconds patience) {
+  const bool isFinished = writer_.finish(patience);
+  look();
+  return isFinished;
 }
 
 Token IniUserDefaults::observeChanges(std::function<void()> block) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -10,7 +11,8 @@
 
 #include "desktop/session/FileWatch.h"
 #include "desktop/session/IniDocument.h"
-#include "desktop/session/WholeFile.h"
+#include "desktop/session/IniFile.h"
+#include "desktop/session/IniWriter.h"
 #include "observation/Token.h"
 #include "platform/TextUserDefaults.h"
 
@@ -19,14 +21,15 @@ namespace valdrix::desktop {
 /// The preferences in one INI file that users may edit while the agent runs.
 ///
 /// Each read looks whether the file changed, so it is never stale; a watch is there for observers
-/// only. Each write replaces the file as a whole. What cannot be written (no permission, no space,
-/// a file that cannot be read) is kept in memory for this run and goes along with the next write.
+/// only. Changes are written on a thread of their own shortly after the last of them, and each
+/// write replaces the file as a whole. What cannot be written (no permission, no space, a file that
+/// cannot be read) is kept in memory for this run and goes along with the next write.
 ///
 /// A file is damaged when it has lines that are neither blank, comment, group nor `key=value`, has
-/// a NUL byte, or is larger than 64 MiB. It is renamed to `<name>.broken-<number>`: at once when it
-/// is found at the start, but only before the next write when it changes meanwhile, lest it be
-/// taken from under an editor that is half done. Its readable lines stay in force, unless it is not
-/// a text at all. A value of the wrong type is no damage: it stays, and counts as missing.
+/// a NUL byte, or is larger than 64 MiB. It is kept as `<name>.broken-<number>`: from the start
+/// when it is found then, but only from the next write when it changes meanwhile, lest it be taken
+/// from under an editor that is half done. Its readable lines stay in force, unless it is not a
+/// text at all. A value of the wrong type is no damage: it stays, and counts as missing.
 ///
 /// Why not a library: QSettings waits for seconds for other writers' locks, drops comments and
 /// takes `1,5` for a list; GLib's key files refuse the bytes that a folder's name, and so a
@@ -44,34 +47,34 @@ class IniUserDefaults final : public platform::TextUserDefaults {
   /// others; several changes may give one call.
   [[nodiscard]] Token observeChanges(std::function<void()> block) override;
 
+  /// Whether the last change could not be written and holds for this run only.
+  [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+  /// Writes at once what is left. Whether it was tried within `patience`.
+  bool finishWrites(std::chrono::milliseconds patience);
+
  protected:
   [[nodiscard]] std::optional<std::string_view> storedText(std::string_view key) const override;
 
  private:
-  /// The file as it was when it was last looked at.
-  struct Snapshot {
-    FileStamp stamp;
-    FileContent::Status status = FileContent::Status::missing;
-    bool isDamaged = false;
-    IniDocument document;
-  };
   using Observers = std::map<std::uint64_t, std::function<void()>>;
 
-  [[nodiscard]] Snapshot load() const;
-  [[nodiscard]] const Snapshot& current() const;
-  void replaceSnapshot(Snapshot snapshot) const;
-  void save();
-  bool setAside();
+  /// Takes up what became of the file and of our writes to it.
+  void look() const;
+  void forget(const IniWriter::Result& result) const;
+  /// All that holds.
+  [[nodiscard]] IniDocument::Values values() const;
   void scheduleNotice() const;
   void notifyObservers() const;
 
   std::filesystem::path file_;
-  mutable Snapshot snapshot_;
-  IniDocument::Values unsaved_;
+  mutable IniFile found_;
+  mutable IniDocument::Values unsaved_;
+  mutable bool hasFailed_ = false;
   std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
   std::uint64_t nextObserver_ = 1;
   mutable bool isNoticeScheduled_ = false;
   mutable QObject turn_;  ///< receives the queued notice, and takes it along when it goes
+  mutable IniWriter writer_;
   FileWatch watch_;
 };
 

@@ -101,12 +101,13 @@ fs::path followLinks(fs::path file) {
   return file;
 }
 
-bool writeWholeFile(const fs::path& file, std::string_view bytes) {
+bool writeWholeFile(const fs::path& file, std::string_view bytes,
+                    const std::optional<FileStamp>& known) {
   const auto target = followLinks(file);
   const auto folder = target.parent_path();
   const auto temporary = folder / (temporaryPrefix(target) + std::to_string(::getpid()));
   if (!mayReplace(target)) return false;
-  if (writeSynced(temporary, bytes, modeOf(target)) &&
+  if (writeSynced(temporary, bytes, modeOf(target)) && (!known || stampOf(target) == *known) &&
       std::rename(temporary.c_str(), target.c_str()) == 0) {
     syncFolder(folder);
     return true;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -41,8 +42,10 @@ struct FileContent {
 
 /// Replaces the content of `file`, so that at any moment, also after a kill or a power cut, either
 /// the old or the new content is there, whole. A symbolic link stays one and its target is
-/// replaced. Keeps the file's permissions; a new file is the user's alone. Whether it is on disk.
-[[nodiscard]] bool writeWholeFile(const std::filesystem::path& file, std::string_view bytes);
+/// replaced. Keeps the file's permissions; a new file is the user's alone. Where `known` is given,
+/// a file that is no longer what it says stays, however long the disk took. Whether it is on disk.
+[[nodiscard]] bool writeWholeFile(const std::filesystem::path& file, std::string_view bytes,
+                                  const std::optional<FileStamp>& known = {});
 
 /// Removes what `writeWholeFile` left beside `file` in processes that were killed meanwhile.
 void removeAbandonedWrites(const std::filesystem::path& file);
