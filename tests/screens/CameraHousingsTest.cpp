@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <sys/stat.h>
 
 #include "desktop/screens/CameraHousings.h"
 
@@ -98,6 +99,13 @@ TEST_F(CameraHousingsTest, WrongPartsOfTheFileAreNamedAndLeftOut) {
   for (const char* text : {"3", "null", "[[], 5, \"x\"]", "{}", "[", "\"\\ud800\""}) {
     write("housings.json", text);
     EXPECT_EQ(applied(housings(), {screen("eDP-1", 1000, 800)})[0].safeAreaInsetTop, 0) << text;
+  }
+  const auto file = folder.filePath("housings.json");
+  for (const char* endless : {"/dev/zero", "fifo"}) {
+    QFile::remove(file);
+    QFile::link(endless, file);
+    ::mkfifo(folder.filePath("fifo").toUtf8().constData(), 0600);
+    EXPECT_THAT(housings().problems(), ElementsAre(HasSubstr("un fichier lisible"))) << endless;
   }
 }
 

@@ -15,6 +15,7 @@
 #include <QtEndian>
 
 #include "desktop/screens/PathBounds.h"
+#include "desktop/session/WholeFile.h"
 
 namespace valdrix::desktop {
 
@@ -74,11 +75,13 @@ std::optional<view::Rect> onScreen(const view::Rect& cutout, view::Size panel,
                     cutout.height * factor};
 }
 
-QByteArray contents(const QString& path) {
-  if (path.isEmpty()) return {};
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.read(1 << 20) : QByteArray();
+FileContent contents(const QString& path) {
+  constexpr std::size_t largest = std::size_t{1} << 20;
+  if (path.isEmpty()) return {FileContent::Status::missing, {}};
+  return readWholeFile(QFile::encodeName(path).toStdString(), largest);
 }
+
+QByteArray bytes(const QString& path) { return QByteArray::fromStdString(contents(path).bytes); }
 
 qsizetype lineOf(const QByteArray& text, qsizetype offset) {
   return text.left(std::max<qsizetype>(0, offset)).count('\n') + 1;
@@ -114,7 +117,11 @@ void CameraHousings::readNotch(const QString& text) {
 void CameraHousings::readFile() {
   userPanels_.clear();
   fileProblems_.clear();
-  const QByteArray text = contents(sources_.userFile);
+  const auto content = contents(sources_.userFile);
+  const auto text = QByteArray::fromStdString(content.bytes);
+  using enum FileContent::Status;
+  if (content.status == unreadable || content.status == tooLarge)
+    return complain(text, {}, "il faut un fichier lisible d'un mébioctet au plus");
   if (text.isEmpty()) return;
   QJsonParseError error;
   const auto document = QJsonDocument::fromJson(text, &error);
@@ -169,7 +176,7 @@ std::optional<view::Rect> CameraHousings::readCutouts(const QJsonObject& panel,
 
 void CameraHousings::readSystem(const QString& root) {
   const QDir tree(root + QStringLiteral("/proc/device-tree"));
-  const auto machine = contents(tree.filePath(QStringLiteral("compatible"))).split('\0');
+  const auto machine = bytes(tree.filePath(QStringLiteral("compatible"))).split('\0');
   for (const auto& known : knownPanels) {
     if (!machine.contains(known.compatible)) continue;
     const view::Size housing{static_cast<double>(known.housingWidth),
@@ -180,7 +187,7 @@ void CameraHousings::readSystem(const QString& root) {
   // The boot loader leaves the rows beside the housing in the display coprocessor's node.
   const QDir soc(tree.filePath(QStringLiteral("soc")));
   for (const auto& node : soc.entryList({QStringLiteral("dcp*")}, QDir::Dirs)) {
-    const auto value = contents(soc.filePath(node + QStringLiteral("/apple,notch-height")));
+    const auto value = bytes(soc.filePath(node + QStringLiteral("/apple,notch-height")));
     if (value.size() == 4) kernelNotchHeight_ = qFromBigEndian<quint32>(value.constData());
   }
 }
