@@ -50,7 +50,7 @@ struct Agent {
   AgentObject object{{
       .status =
           [] {
-            return AgentAnswer{true, "{\"é\": 1}"};
+            return AgentAnswer{true, "{\"é\": \"\u009B\x7F\"}"};
           },
       .openSettings =
           [this](const SettingsRequest& request) {
@@ -121,7 +121,7 @@ TEST(SingleInstance, HasTheNameWheneverThereIsABusAndIsHandedOverTo) {
     SCOPED_TRACE(round);
     ASSERT_TRUE(bus.start());
     ASSERT_TRUE(tests::waitFor([&] { return isConnected(*agent); }));
-    EXPECT_EQ(probe({"status"}).text, "{\"é\": 1}");
+    EXPECT_EQ(probe({"status"}).text, "{\"é\": \"\\u009b\\u007f\"}");
     EXPECT_EQ(probe({"start"}).text, "handed over");
     if (round == 2) break;
     bus.kill();

@@ -13,8 +13,20 @@ namespace {
 constexpr double connectSeconds = 1;
 constexpr int callMilliseconds = 1000;
 
+/// The text for a terminal, which would obey what a title or a file's name holds of controls. They
+/// are written as JSON does, so that JSON stays what it is.
+std::string printable(const QString& text) {
+  QString result;
+  for (const QChar c : text) {
+    const bool isControl = c.category() == QChar::Other_Control && c != u'\n';
+    result +=
+        isControl ? QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0')) : QString(c);
+  }
+  return result.toStdString();
+}
+
 std::string explanation(const QDBusError& error) {
-  if (error.name() == AgentNames::refusal) return error.message().toStdString();
+  if (error.name() == AgentNames::refusal) return printable(error.message());
   // What the bus says of a call that must not start its service.
   if (error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner") return "valdrix ne tourne pas.";
   switch (error.type()) {
@@ -76,7 +88,7 @@ AgentAnswer AgentClient::ask(const char* method, const QVariantList& arguments) 
   const auto reply =
       bus_.connection()->call(AgentNames::call(method, arguments), QDBus::Block, callMilliseconds);
   if (reply.type() != QDBusMessage::ReplyMessage) return {false, explanation(QDBusError(reply))};
-  return {true, reply.arguments().value(0).toString().toStdString()};
+  return {true, printable(reply.arguments().value(0).toString())};
 }
 
 }  // namespace valdrix::desktop
