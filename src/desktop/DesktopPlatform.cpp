@@ -184,6 +184,13 @@ DesktopPlatform::DesktopPlatform(QtRunLoop& runLoop, SessionBus& bus, const Cand
   connectBacklight();
   connectTheme();
   connectCustody(runLoop);
+  connectFailures();
+}
+
+void DesktopPlatform::connectFailures() {
+  const auto tell = [this] { notification_.show(DesktopNotification::changesNotSaved()); };
+  userDefaults_.setOnFailure(tell);
+  privacyRecord_.setOnFailure(tell);
 }
 
 void DesktopPlatform::connectCustody(platform::RunLoop& runLoop) {

@@ -83,6 +83,8 @@ class DesktopPlatform {
   void connectBacklight();
   /// Has the windows follow the window system's theme.
   void connectTheme();
+  /// Tells the user of changes that cannot be saved.
+  void connectFailures();
   /// Has the desktop leave the keys that are wanted, where the user has said so.
   void connectCustody(platform::RunLoop& runLoop);
 

@@ -280,8 +280,13 @@ TEST_F(IniUserDefaultsTest, WhatCannotBeWrittenCountsForThisRun) {
     {
       const tests::Unprivileged unprivileged;
       auto& defaults = open();
-      save("a", std::int64_t{2});
+      int failures = 0;
+      defaults.setOnFailure([&] { ++failures; });
+      for (const std::int64_t value : {3, 2}) save("a", value);
       EXPECT_EQ(defaults.integerForKey("a"), 2);
+      QCoreApplication::processEvents();
+      EXPECT_EQ(failures, 1) << "which the user is told of once";
+      defaults.setOnFailure({});
     }
     EXPECT_EQ(read(file_), "[General]\na=1\n");
     EXPECT_EQ(files(), Names{"valdrix.conf"});

@@ -35,6 +35,13 @@ DesktopNotification::Text DesktopNotification::mediaKeysWithheld() {
       "comment valdrix peut quand même les avoir."};
 }
 
+DesktopNotification::Text DesktopNotification::changesNotSaved() {
+  return {
+      "Réglages non enregistrés",
+      "Leur fichier ne peut pas être écrit, ou le disque est plein. Tes changements valent tant "
+      "que valdrix tourne."};
+}
+
 void DesktopNotification::show(const Text& text) {
   whenConnected_.reset();
   if (const auto& connection = bus_.connection()) return send(*connection, text);

@@ -18,6 +18,8 @@ class DesktopNotification {
   [[nodiscard]] static Text mediaKeysTaken();
   /// The window system gives them to no program.
   [[nodiscard]] static Text mediaKeysWithheld();
+  /// What the user changed cannot be written.
+  [[nodiscard]] static Text changesNotSaved();
 
   /// `bus` outlives this.
   explicit DesktopNotification(SessionBus& bus) : bus_(bus) {}

@@ -51,7 +51,8 @@ void IniUserDefaults::forget(const IniWriter::Result& result) const {
         result.isSaved && entry != unsaved_.end() && entry->second == value)
       unsaved_.erase(entry);
   const bool isFailure = !result.isSaved && !result.values.empty();
-  if (isFailure && !hasFailed_) scheduleNotice();
+  if (isFailure && !hasFailed_ && onFailure_)
+    QMetaObject::invokeMethod(&turn_, onFailure_, Qt::QueuedConnection);
   hasFailed_ = isFailure;
 }
 

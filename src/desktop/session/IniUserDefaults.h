@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 
 #include <QObject>
 
@@ -47,8 +48,9 @@ class IniUserDefaults final : public platform::TextUserDefaults {
   /// others; several changes may give one call.
   [[nodiscard]] Token observeChanges(std::function<void()> block) override;
 
-  /// Whether the last change could not be written and holds for this run only.
-  [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+  /// Calls `block` at a later turn of the loop when a change could not be written, and not again
+  /// until one could.
+  void setOnFailure(std::function<void()> block) { onFailure_ = std::move(block); }
   /// Writes at once what is left. Whether it was tried within `patience`.
   bool finishWrites(std::chrono::milliseconds patience);
 
@@ -70,6 +72,7 @@ class IniUserDefaults final : public platform::TextUserDefaults {
   mutable IniFile found_;
   mutable IniDocument::Values unsaved_;
   mutable bool hasFailed_ = false;
+  std::function<void()> onFailure_;
   std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();
   std::uint64_t nextObserver_ = 1;
   mutable bool isNoticeScheduled_ = false;

@@ -31,6 +31,8 @@ class PrivacyRecord {
   [[nodiscard]] std::string toldKeyLosses() const;
   void setToldKeyLosses(const std::string& losses);
 
+  /// Calls `block` as the preferences do when a change could not be written.
+  void setOnFailure(std::function<void()> block) { file_.setOnFailure(std::move(block)); }
   /// Calls `block` at a later turn of the loop after the record changed, whoever changed it.
   [[nodiscard]] Token observeChanges(std::function<void()> block) {
     return file_.observeChanges(std::move(block));
