@@ -100,7 +100,7 @@ TEST(Calendar, AccessIsAskedForAndRemembered) {
   EXPECT_TRUE(waitFor([&] { return titles(desktop) == QStringList("Planning"); }));
   EXPECT_EQ(authorization(desktop), "fullAccess");
   QFile file(desktop.home.file(UserHome::privacyRecord));
-  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  ASSERT_TRUE(waitFor([&file] { return file.open(QIODevice::ReadOnly); }));
   EXPECT_TRUE(file.readAll().contains("calendars=allowed"));
 }
 

@@ -119,15 +119,14 @@ TEST_F(DesktopEventStoreTest, IsAskedOnceForAllRequestsAndRemembered) {
   int changes = 0;
   const Token token = store.observeChanges([&] { ++changes; });
   writeRecord("calendars=refused\n");
-  EXPECT_TRUE(tests::waitFor([&] { return changes > 0; }));
+  EXPECT_TRUE(tests::waitFor([&] { return changes > 0 && sources_[0]->stops == 1; }));
   EXPECT_TRUE(store.calendars().empty());
-  EXPECT_EQ(sources_[0]->stops, 1);
   store.requestFullAccessToEvents(note);
   EXPECT_FALSE(granted.back());
   EXPECT_EQ(prompt.questions, questions) << "a refusal is not asked again";
   writeRecord("calendars=allowed\n");
-  EXPECT_TRUE(tests::waitFor([&] { return !store.calendars().empty(); }));
-  EXPECT_EQ(sources_[0]->starts, 2);
+  EXPECT_TRUE(tests::waitFor([&] { return sources_[0]->starts == 2; }));
+  EXPECT_FALSE(store.calendars().empty());
   EXPECT_EQ(sources_[0]->stops, 1);
 }
 
