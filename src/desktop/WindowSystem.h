@@ -48,6 +48,10 @@ class WindowSystem {
   // NOLINTNEXTLINE(performance-unnecessary-value-param): others keep it.
   [[nodiscard]] virtual Token observeTheme(std::function<void()> /*block*/) { return {}; }
 
+  /// Brings a window of ours that is shown, by the window system's number for it, to the front,
+  /// because the user has just asked for it. Nothing where Qt has what it takes.
+  virtual void bringToFront(std::uint64_t /*window*/) {}
+
   [[nodiscard]] virtual platform::Screens& screens() = 0;
   [[nodiscard]] virtual platform::PanelWindows& panelWindows() = 0;
   [[nodiscard]] virtual platform::Pointer& pointer() = 0;

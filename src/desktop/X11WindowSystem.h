@@ -37,6 +37,10 @@ class X11WindowSystem final : public WindowSystem {
     return desktop_.theme.observeChanges(std::move(block));
   }
 
+  void bringToFront(std::uint64_t window) override {
+    desktop_.activation.bringToFront(static_cast<xcb_window_t>(window));
+  }
+
   [[nodiscard]] platform::Screens& screens() override { return desktop_.screens; }
   [[nodiscard]] platform::PanelWindows& panelWindows() override { return desktop_.panelWindows; }
   [[nodiscard]] platform::Pointer& pointer() override { return desktop_.pointer; }

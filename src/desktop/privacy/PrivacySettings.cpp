@@ -10,7 +10,6 @@
 
 #include "desktop/privacy/CalendarAccessTab.h"
 #include "desktop/privacy/KeyAccessTab.h"
-#include "desktop/scenes/SettingsWindow.h"
 #include "platform/PrivacyLinks.h"
 
 namespace valdrix::desktop {
@@ -59,7 +58,9 @@ view::SettingsScene PrivacySettings::scene() {
 
 void PrivacySettings::open(std::optional<std::size_t> tab) {
   if (!window_) {
-    window_ = std::make_unique<SettingsWindow>(scene(), [this] { windowDidClose(); });
+    window_ = std::make_unique<SettingsWindow>(
+        scene(), SettingsWindow::Handlers{.closed = [this] { windowDidClose(); },
+                                          .bringToFront = ports_.bringToFront});
     window_->selectTab(lastTab_);
   }
   if (tab) window_->selectTab(*tab);

@@ -10,6 +10,7 @@
 
 #include "desktop/keys/KeyCustody.h"
 #include "desktop/keys/MediaKeyTaps.h"
+#include "desktop/scenes/SettingsWindow.h"
 #include "desktop/session/PrivacyRecord.h"
 #include "observation/Listeners.h"
 #include "observation/Token.h"
@@ -17,8 +18,6 @@
 #include "view/SettingsScene.h"
 
 namespace valdrix::desktop {
-
-class SettingsWindow;
 
 /// What the program may do, as a window in which the user says so: the calendars and the keys, a
 /// tab for each. The window exists while it is open. Needs a QApplication; main thread only.
@@ -31,6 +30,7 @@ class PrivacySettings {
     MediaKeyTaps& mediaKeys;
     /// Null where the desktop's settings cannot hand keys over.
     KeyCustody* custody = nullptr;
+    BringToFront bringToFront{};
   };
 
   explicit PrivacySettings(const Ports& ports);

@@ -7,7 +7,8 @@
 
 namespace valdrix::desktop {
 
-QtSceneHost::QtSceneHost(SessionBus& bus) : bus_(bus) {}
+QtSceneHost::QtSceneHost(SessionBus& bus, BringToFront bringToFront)
+    : bus_(bus), bringToFront_(std::move(bringToFront)) {}
 
 QtSceneHost::~QtSceneHost() = default;
 
@@ -29,9 +30,8 @@ Token QtSceneHost::addMenuBarExtra(platform::MenuBarExtra extra) {
 }
 
 void QtSceneHost::show(const view::Menu& menu) {
-  menu_ = menu;
-  if (extra_) extra_->item.setMenu(menu_);
-  if (window_) window_->setCommands(menu_);
+  keys_.setMenu(menu);
+  if (extra_) extra_->item.setMenu(menu);
 }
 
 void QtSceneHost::popUpMenu(QPoint position, std::function<void()> onClosed) {
@@ -54,8 +54,9 @@ Token QtSceneHost::addSettings(view::SettingsScene scene) {
 void QtSceneHost::openSettings(std::optional<std::size_t> tab) {
   if (!settings_ || settings_->tabs.empty()) return;
   if (!window_) {
-    window_ = std::make_unique<SettingsWindow>(*settings_, [this] { windowDidClose(); });
-    window_->setCommands(menu_);
+    window_ = std::make_unique<SettingsWindow>(
+        *settings_, SettingsWindow::Handlers{.closed = [this] { windowDidClose(); },
+                                             .bringToFront = bringToFront_});
     window_->selectTab(lastTab_);
   }
   if (tab) window_->selectTab(*tab);

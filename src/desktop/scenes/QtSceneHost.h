@@ -9,6 +9,7 @@
 #include <QPoint>
 
 #include "desktop/scenes/LiveValue.h"
+#include "desktop/scenes/MenuKeys.h"
 #include "desktop/scenes/SettingsWindow.h"
 #include "desktop/session/SessionBus.h"
 #include "desktop/tray/TrayItem.h"
@@ -18,11 +19,12 @@
 namespace valdrix::desktop {
 
 /// The menu-bar extra as an item in the desktop's tray, the settings as a window of Qt Widgets that
-/// exists while it is open. Needs a QApplication.
+/// exists while it is open. The menu's shortcuts work in every window of the program. Needs a
+/// QApplication.
 class QtSceneHost final : public platform::SceneHost {
  public:
   /// `bus` must outlive it.
-  explicit QtSceneHost(SessionBus& bus);
+  explicit QtSceneHost(SessionBus& bus, BringToFront bringToFront = {});
   ~QtSceneHost() override;
 
   [[nodiscard]] Token addMenuBarExtra(platform::MenuBarExtra extra) override;
@@ -51,9 +53,10 @@ class QtSceneHost final : public platform::SceneHost {
   void destroyWindow();
 
   SessionBus& bus_;
+  const BringToFront bringToFront_;
   std::unique_ptr<Extra> extra_;
   bool hasX11Tray_ = false;
-  view::Menu menu_;
+  MenuKeys keys_;
   std::optional<view::SettingsScene> settings_;
   std::unique_ptr<SettingsWindow> window_;
   std::size_t lastTab_ = 0;

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <utility>
 
-#include <QAction>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -24,15 +23,11 @@ namespace {
 
 constexpr int barMargin = 8;
 
-QKeySequence keys(const view::KeyboardShortcut& shortcut) {
-  return QKeySequence("Ctrl+" + QString(QChar(shortcut.key)).toUpper());
-}
-
 }  // namespace
 
-SettingsWindow::SettingsWindow(view::SettingsScene scene, std::function<void()> onClosed)
+SettingsWindow::SettingsWindow(view::SettingsScene scene, Handlers handlers)
     : scene_(std::move(scene)),
-      onClosed_(std::move(onClosed)),
+      handlers_(std::move(handlers)),
       tabs_(new SettingsTabBar(scene_.tabs)),
       place_(new QWidget) {
   setWindowIcon(bundledImage("AppIcon"));
@@ -89,19 +84,7 @@ void SettingsWindow::open() {
   setWindowState(windowState() & ~Qt::WindowMinimized);
   raise();
   activateWindow();
-}
-
-void SettingsWindow::setCommands(const view::Menu& menu) {
-  commands_.clear();
-  for (const auto& item : menu.items) {
-    const auto* const command = std::get_if<view::MenuCommand>(&item);
-    if (!command || !command->shortcut) continue;
-    auto action = std::make_unique<QAction>();
-    action->setShortcut(keys(*command->shortcut));
-    connect(action.get(), &QAction::triggered, this, [act = command->action] { act(); });
-    addAction(action.get());
-    commands_.push_back(std::move(action));
-  }
+  if (handlers_.bringToFront) handlers_.bringToFront(winId());
 }
 
 void SettingsWindow::showEvent(QShowEvent* event) {
@@ -115,7 +98,7 @@ void SettingsWindow::hideEvent(QHideEvent* event) {
 
 void SettingsWindow::closeEvent(QCloseEvent* event) {
   event->accept();
-  onClosed_();
+  handlers_.closed();
 }
 
 void SettingsWindow::beginTab() {

@@ -1,18 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include <QWidget>
 
 #include "desktop/scenes/LiveValue.h"
-#include "view/Menu.h"
 #include "view/SettingsScene.h"
-
-class QAction;
 
 namespace valdrix::desktop {
 
@@ -20,13 +17,22 @@ class AboutView;
 class FormView;
 class SettingsTabBar;
 
+/// Asks the window system, by its number for a window that is shown, to bring that to the front.
+using BringToFront = std::function<void(std::uint64_t window)>;
+
 /// The window of a settings scene. A tab's content exists while the window is shown and the tab is
 /// selected. Needs a QApplication; main thread only.
 class SettingsWindow final : public QWidget {
  public:
-  /// `scene` has a tab at least. `onClosed` is called while the window closes and must not destroy
-  /// it then.
-  SettingsWindow(view::SettingsScene scene, std::function<void()> onClosed);
+  struct Handlers {
+    /// Called while the window closes; it must not destroy it then.
+    std::function<void()> closed;
+    /// Brings the window to the front by what Qt has no call for. May be empty.
+    BringToFront bringToFront{};
+  };
+
+  /// `scene` has a tab at least.
+  SettingsWindow(view::SettingsScene scene, Handlers handlers);
   ~SettingsWindow() override;
   SettingsWindow(const SettingsWindow&) = delete;
   SettingsWindow& operator=(const SettingsWindow&) = delete;
@@ -35,8 +41,6 @@ class SettingsWindow final : public QWidget {
   void selectTab(std::size_t index);
   /// Shows the window, or brings it to the front.
   void open();
-  /// The commands whose shortcuts work in the window.
-  void setCommands(const view::Menu& menu);
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -61,10 +65,9 @@ class SettingsWindow final : public QWidget {
   void show(std::unique_ptr<View>& shown, const Content& content, const Context& context);
 
   view::SettingsScene scene_;
-  std::function<void()> onClosed_;
+  Handlers handlers_;
   SettingsTabBar* tabs_;
   QWidget* place_;
-  std::vector<std::unique_ptr<QAction>> commands_;
   std::unique_ptr<FormView> form_;
   std::unique_ptr<AboutView> about_;
   std::optional<ShownTab> shown_;

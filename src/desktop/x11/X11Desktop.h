@@ -5,6 +5,7 @@
 #include <QPoint>
 
 #include "desktop/screens/CameraHousings.h"
+#include "desktop/x11/X11Activation.h"
 #include "desktop/x11/X11Connection.h"
 #include "desktop/x11/X11Cursor.h"
 #include "desktop/x11/X11Manager.h"
@@ -36,6 +37,7 @@ struct X11Desktop {
   X11WindowNews windowNews{connection};
   X11Overlay overlay{connection, pointer, compositing};
   X11ThemeName theme{connection};
+  X11Activation activation{connection};
   /// Frames that all panels together have painted.
   std::uint64_t framesDrawn = 0;
   /// What a panel calls that is asked for the menu.
