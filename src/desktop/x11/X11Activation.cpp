@@ -6,8 +6,10 @@ namespace valdrix::desktop {
 
 namespace {
 
-/// What the Extended Window Manager Hints call a direct wish of the user.
+// Values of the Extended Window Manager Hints: a direct wish of the user, and a window that is seen
+// on every workspace.
 constexpr std::uint32_t userSource = 2;
+constexpr std::uint32_t allWorkspaces = 0xFFFFFFFF;
 
 }  // namespace
 
@@ -40,17 +42,36 @@ void X11Activation::bringToFront(xcb_window_t window) {
 void X11Activation::ask(xcb_timestamp_t time) {
   const auto window = std::exchange(wanted_, XCB_WINDOW_NONE);
   if (window == XCB_WINDOW_NONE) return;
+  const auto workspace = cardinal(window, "_NET_WM_DESKTOP");
+  // Some window managers only mark a window of another workspace.
+  if (workspace && *workspace != allWorkspaces &&
+      workspace != cardinal(connection_.root(), "_NET_CURRENT_DESKTOP"))
+    tell(connection_.root(), "_NET_CURRENT_DESKTOP", *workspace, time);
+  tell(window, "_NET_ACTIVE_WINDOW", userSource, time);
+  connection_.flush();
+}
+
+std::optional<std::uint32_t> X11Activation::cardinal(xcb_window_t window, std::string_view name) {
+  const auto property = connection_.reply(
+      xcb_get_property_reply, xcb_get_property(connection_.get(), 0, window, connection_.atom(name),
+                                               XCB_ATOM_CARDINAL, 0, 1));
+  if (!property || xcb_get_property_value_length(property.get()) != sizeof(std::uint32_t))
+    return std::nullopt;
+  return *static_cast<const std::uint32_t*>(xcb_get_property_value(property.get()));
+}
+
+void X11Activation::tell(xcb_window_t window, std::string_view wish, std::uint32_t first,
+                         std::uint32_t second) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
   message.window = window;
-  message.type = connection_.atom("_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = userSource;
-  message.data.data32[1] = time;
+  message.type = connection_.atom(wish);
+  message.data.data32[0] = first;
+  message.data.data32[1] = second;
   xcb_send_event(connection_.get(), 0, connection_.root(),
                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                  reinterpret_cast<const char*>(&message));
-  connection_.flush();
 }
 
 }  // namespace valdrix::desktop

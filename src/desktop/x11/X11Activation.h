@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "desktop/x11/X11Connection.h"
@@ -17,12 +19,15 @@ class X11Activation {
   X11Activation(const X11Activation&) = delete;
   X11Activation& operator=(const X11Activation&) = delete;
 
-  /// Asks the window manager for it, with the server's time, as soon as that is known. The window
-  /// may have been mapped just before.
+  /// Asks the window manager for it, on the workspace where the window is, with the server's time,
+  /// as soon as that is known. The window may have been mapped just before.
   void bringToFront(xcb_window_t window);
 
  private:
   void ask(xcb_timestamp_t time);
+  [[nodiscard]] std::optional<std::uint32_t> cardinal(xcb_window_t window, std::string_view name);
+  /// Sends the window manager a message about `window`.
+  void tell(xcb_window_t window, std::string_view wish, std::uint32_t first, std::uint32_t second);
 
   X11Connection& connection_;
   /// What the server's time is asked with.
