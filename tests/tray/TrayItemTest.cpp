@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDBusArgument>
+#include <QMenu>
 
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/tray/StatusNotifierTypes.h"
@@ -119,6 +121,21 @@ TEST_F(TrayItemTest, ClicksHitWhatTheUserSaw) {
   const auto answer = host.menu("EventGroup", {QVariant::fromValue(clicks)});
   EXPECT_EQ(qdbus_cast<QList<int>>(answer.arguments().value(0)), QList<int>{99});
   EXPECT_TRUE(waitFor([&] { return log_ == "Un_deuxNeuf"; })) << log_;
+}
+
+TEST_F(TrayItemTest, AMenuThatIsOpenIsChangedInPlace) {
+  item_.popUpMenu({10, 10});
+  auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  ASSERT_NE(menu, nullptr);
+  QAction* const chosen = menu->actions().last();
+  menu->setActiveAction(chosen);
+  nextMenu_.items.insert(nextMenu_.items.begin(), {command("Neuf", log_), view::MenuSeparator{}});
+  item_.setMenu(nextMenu_);
+  EXPECT_TRUE(menu->isVisible());
+  ASSERT_EQ(menu->actions().size(), 5);
+  EXPECT_EQ(menu->activeAction(), chosen);
+  chosen->trigger();
+  EXPECT_TRUE(waitFor([&] { return log_ == "Fin"; }));
 }
 
 TEST_F(TrayItemTest, OddCallsAreAnsweredWithErrors) {

@@ -1,5 +1,6 @@
 #include "desktop/tray/TrayMenu.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QGuiApplication>
@@ -7,6 +8,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QProxyStyle>
+#include <QScreen>
 #include <QStyleOptionMenuItem>
 
 namespace valdrix::desktop {
@@ -60,22 +62,45 @@ void declareType(QMenu& menu) {
     menu.setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, isMenu);
 }
 
-void add(const view::MenuItem& item, QMenu& menu) {
+// An ampersand marks the key that the menu's user may press.
+QString textOf(const view::MenuCommand& command) {
+  return QString::fromStdString(command.title).replace(u'&', QLatin1String("&&"));
+}
+
+bool looksLike(const QAction& action, const view::MenuItem& item) {
   const auto* command = std::get_if<view::MenuCommand>(&item);
-  if (!command) {
-    menu.addSeparator();
-    return;
-  }
-  // An ampersand marks the key that the menu's user may press.
-  const auto text = QString::fromStdString(command->title).replace(u'&', QLatin1String("&&"));
-  QAction* const action = menu.addAction(text);
-  if (command->shortcut)
+  return command ? action.text() == textOf(*command) : action.isSeparator();
+}
+
+QAction* insert(const view::MenuItem& item, QAction* before, QMenu& menu) {
+  auto* const action = new QAction(&menu);
+  const auto* command = std::get_if<view::MenuCommand>(&item);
+  action->setSeparator(!command);
+  if (command) action->setText(textOf(*command));
+  if (command && command->shortcut)
     action->setShortcut(QKeyCombination(
         Qt::ControlModifier, static_cast<Qt::Key>(QChar::toUpper(command->shortcut->key))));
   action->setShortcutVisibleInContextMenu(true);
+  menu.insertAction(before, action);
+  return action;
+}
+
+void setAction(const view::MenuItem& item, QAction& action, QMenu& menu) {
+  const auto* command = std::get_if<view::MenuCommand>(&item);
+  if (!command) return;
+  QObject::disconnect(&action, &QAction::triggered, &menu, nullptr);
   // Queued, so that the menu is gone from the screen and its grabs are over. For the menu, because
   // the action may be gone by then, too.
-  QObject::connect(action, &QAction::triggered, &menu, command->action, Qt::QueuedConnection);
+  QObject::connect(&action, &QAction::triggered, &menu, command->action, Qt::QueuedConnection);
+}
+
+/// Puts a menu that is open, and has grown, back onto the screen.
+void keepOnScreen(QMenu& menu) {
+  if (!menu.isVisible()) return;
+  const QRect screen = menu.screen()->geometry();
+  const QSize size = menu.sizeHint();
+  menu.move(std::max(screen.left(), std::min(menu.x(), screen.right() + 1 - size.width())),
+            std::max(screen.top(), std::min(menu.y(), screen.bottom() + 1 - size.height())));
 }
 
 }  // namespace
@@ -93,9 +118,22 @@ void TrayMenu::setMenu(const view::Menu& menu) {
   if (menu_) fill();
 }
 
+// What is still there stays, from the end on, where lines do not come and go: the menu may be open,
+// and a line of it chosen.
 void TrayMenu::fill() {
-  menu_->clear();
-  for (const auto& item : content_.items) add(item, *menu_);
+  auto former = menu_->actions();
+  QAction* next = nullptr;
+  for (auto item = content_.items.rbegin(); item != content_.items.rend(); ++item) {
+    if (!former.isEmpty() && looksLike(*former.last(), *item)) {
+      next = former.takeLast();
+    } else {
+      qDeleteAll(std::exchange(former, {}));
+      next = insert(*item, next, *menu_);
+    }
+    setAction(*item, *next, *menu_);
+  }
+  qDeleteAll(former);
+  keepOnScreen(*menu_);
 }
 
 void TrayMenu::popUp(QPoint position, std::function<void()> onClosed) {

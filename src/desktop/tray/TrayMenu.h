@@ -25,6 +25,7 @@ class TrayMenu {
   /// program only, and takes one without for a window like any other.
   [[nodiscard]] static bool canPopUp();
 
+  /// Also while it is open: the lines that stay keep their places in it.
   void setMenu(const view::Menu& menu);
   /// Opens it at that place, in points from the top left of the screens, and does not wait.
   /// `onClosed` is called once it is closed again.
