@@ -97,6 +97,7 @@ desktop::AgentObject::Handlers Agent::handlers() {
         return {true, requestCalendarAccess(app.calendarService(), platform_->ports().eventStore)};
       }),
       .openSettings = whenStarted([this](AppDelegate&, const desktop::SettingsRequest& request) {
+        if (!platform_->hasTab(request)) return AgentAnswer{false, "Onglet inconnu."};
         openWindow(request);
         return AgentAnswer{true, {}};
       }),

@@ -195,6 +195,12 @@ void DesktopPlatform::connectFailures() {
   privacyRecord_.setOnFailure(tell);
 }
 
+bool DesktopPlatform::hasTab(const SettingsRequest& request) const {
+  const bool isPermissions = request.window == SettingsRequest::Window::permissions;
+  return !request.tab ||
+         *request.tab < (isPermissions ? PrivacySettings::tabCount : sceneHost_.tabCount());
+}
+
 void DesktopPlatform::connectCustody(platform::RunLoop& runLoop) {
   const auto tell = [this] { keyCustody_->setWanted(mediaKeys_.wanted()); };
   accountObserver_ = mediaKeys_.observeAccount(tell);

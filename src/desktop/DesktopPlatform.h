@@ -28,6 +28,7 @@
 #include "desktop/session/QtRunLoop.h"
 #include "desktop/session/QtUserCalendar.h"
 #include "desktop/session/SessionBus.h"
+#include "desktop/session/SettingsRequest.h"
 #include "desktop/session/XdgLoginItem.h"
 #include "desktop/shortcuts/DesktopKeyCustody.h"
 #include "desktop/ui/QtCollator.h"
@@ -56,6 +57,8 @@ class DesktopPlatform {
   [[nodiscard]] const CameraHousings& housings() const { return housings_; }
   /// Where the user says what the program may do.
   [[nodiscard]] PrivacySettings& privacySettings() { return privacySettings_; }
+  /// Whether the window that is asked for has the tab.
+  [[nodiscard]] bool hasTab(const SettingsRequest& request) const;
   /// The desktop's own hold on the media keys.
   [[nodiscard]] DesktopKeyCustody& keyCustody() { return *keyCustody_; }
   [[nodiscard]] const DesktopKeyCustody& keyCustody() const { return *keyCustody_; }

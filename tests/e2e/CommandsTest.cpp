@@ -93,7 +93,7 @@ TEST(Commands, WordsAreUnderstoodOrRefusedInFrench) {
                                    {"simulate"},
                                    {"status", "now"},
                                    {"simulate", "file", "--scale", "0"},
-                                   {"settings", "colours"},
+                                   {"settings", "7"},
                                    {"settings", "huds", "apropos"},
                                    {"permissions", "huds"},
                                    {"key"},

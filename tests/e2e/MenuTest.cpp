@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <QDBusArgument>
+#include <QDBusConnection>
 
+#include "desktop/session/AgentNames.h"
 #include "desktop/tray/DbusMenuTypes.h"
 #include "tests/e2e/AgentDesktop.h"
 #include "tests/support/WaitFor.h"
@@ -37,6 +39,13 @@ TEST(Menu, ABarShowsTheItemAndQuitsByIt) {
   TrayHost host;
   ASSERT_TRUE(waitFor([&] { return shownIn(desktop) == "qt, status notifier item"; }));
   EXPECT_NE(itemLabelled(host, "Préférences…"), 0);
+  for (const char* window : {"OpenSettings", "OpenPermissions"})
+    for (const int tab : {99, -7})
+      EXPECT_EQ(
+          QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "tabs")
+              .call(desktop::AgentNames::call(window, {tab, ""}))
+              .errorName(),
+          desktop::AgentNames::refusal);
   const int quit = itemLabelled(host, "Quitter valdrix");
   ASSERT_NE(quit, 0);
   (void)host.menu("Event", {quit, "clicked", QVariant::fromValue(QDBusVariant(0)), 0U});

@@ -19,8 +19,8 @@ namespace {
 constexpr view::Size windowSize{520, 460};
 
 /// The links in the order of the tabs that they lead to.
-constexpr std::array<std::string_view, 2> links{platform::privacyLinks::calendars,
-                                                platform::privacyLinks::accessibility};
+constexpr std::array<std::string_view, PrivacySettings::tabCount> links{
+    platform::privacyLinks::calendars, platform::privacyLinks::accessibility};
 
 }  // namespace
 

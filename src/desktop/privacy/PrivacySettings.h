@@ -38,6 +38,7 @@ class PrivacySettings {
   PrivacySettings(const PrivacySettings&) = delete;
   PrivacySettings& operator=(const PrivacySettings&) = delete;
 
+  static constexpr std::size_t tabCount = 2;
   /// Opens a tab, counted from 0, or the one that was seen last.
   void open(std::optional<std::size_t> tab);
   /// Opens the tab that a link to the system's privacy settings leads to. False for other links.

@@ -30,6 +30,8 @@ class QtSceneHost final : public platform::SceneHost {
   [[nodiscard]] Token addMenuBarExtra(platform::MenuBarExtra extra) override;
   [[nodiscard]] Token addSettings(view::SettingsScene scene) override;
   void openSettings(std::optional<std::size_t> tab) override;
+  /// How many tabs the settings have.
+  [[nodiscard]] std::size_t tabCount() const { return settings_ ? settings_->tabs.size() : 0; }
 
   /// Opens the menu-bar extra's menu at that place, in points from the top left of the screens;
   /// `onClosed` is called once it is closed again. Nothing without an extra.

@@ -16,7 +16,8 @@ namespace {
 
 SettingsRequest settingsRequest(SettingsRequest::Window window, const QVariantList& arguments) {
   const int tab = arguments[0].toInt();
-  return {tab < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(tab)),
+  // What is below is no tab either, and refused with the others.
+  return {tab == -1 ? std::nullopt : std::optional(static_cast<std::size_t>(tab)),
           ActivationToken(arguments[1].toString().toStdString()), window};
 }
 
