@@ -8,11 +8,11 @@
 
 #include "desktop/WindowSystem.h"
 #include "desktop/audio/PulseAudioHardware.h"
-#include "desktop/calendar/AccessDialog.h"
 #include "desktop/calendar/DesktopEventStore.h"
 #include "desktop/display/BacklightDisplayServices.h"
 #include "desktop/display/BacklightDisplays.h"
 #include "desktop/keys/MediaKeyTaps.h"
+#include "desktop/privacy/AccessDialog.h"
 #include "desktop/privacy/KeyLossNotice.h"
 #include "desktop/privacy/PrivacySettings.h"
 #include "desktop/scenes/Appearance.h"

@@ -9,6 +9,7 @@
 
 #include "desktop/scenes/Appearance.h"
 #include "desktop/scenes/FormStyle.h"
+#include "desktop/scenes/Switch.h"
 #include "desktop/scenes/TextLabel.h"
 #include "desktop/session/QtRunLoop.h"
 #include "tests/session/PrivateBus.h"
@@ -119,6 +120,14 @@ TEST(Appearance, TextsStandOutFromWhatTheyLieOn) {
     EXPECT_GE(contrast(switchTrack(own), group), shapeContrast);
     EXPECT_GE(contrast(symbolInk(own, QColor(0xD9730D)), group), shapeContrast);
   }
+  Switch lit;
+  QPalette desktops = ownPalette(false);
+  desktops.setColor(QPalette::Highlight, 0x3DAEE9);
+  lit.setPalette(desktops);
+  lit.setChecked(true);
+  const QImage picture = lit.grab().toImage();
+  EXPECT_GE(contrast(picture.pixelColor(picture.width() / 3, picture.height() / 2), Qt::white),
+            textContrast);
 }
 
 }  // namespace

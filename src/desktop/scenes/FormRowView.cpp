@@ -6,8 +6,8 @@
 #include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPushButton>
 
+#include "desktop/scenes/FormButton.h"
 #include "desktop/scenes/FormStyle.h"
 #include "desktop/scenes/Stepper.h"
 #include "desktop/scenes/Switch.h"
@@ -214,45 +214,10 @@ class SliderRow final : public RowOf<view::Slider> {
   ValueSlider slider_;
 };
 
-/// A push button that stands out from its group as the arrows of a stepper do.
-class RowButton final : public QPushButton {
- public:
-  /// How far from its edges it is drawn, to leave room for the ring of the focus.
-  static constexpr int ringGap = 3;
-
-  RowButton() { setAttribute(Qt::WA_Hover); }
-  [[nodiscard]] QSize sizeHint() const override {
-    constexpr int sides = 14 + ringGap;
-    constexpr int ends = 5 + ringGap;
-    const QSize text = fontMetrics().size(Qt::TextSingleLine, accessibleName());
-    return text + QSize(2 * sides, 2 * ends);
-  }
-  [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QColor fill = formStyle::controlFill(palette(), underMouse() || isDown());
-    const QColor ink = palette().color(QPalette::WindowText);
-    constexpr double pressedShare = 0.15;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(isDown() ? formStyle::mixed(fill, ink, pressedShare) : fill);
-    painter.drawRoundedRect(rect().adjusted(ringGap, ringGap, -ringGap, -ringGap), radius, radius);
-    painter.setPen(ink);
-    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, accessibleName());
-    if (formStyle::showsFocus(*this))
-      formStyle::paintFocusRing(painter, palette(), rect(), radius + ringGap);
-  }
-
- private:
-  static constexpr double radius = 6;
-};
-
 class ButtonRow final : public RowOf<view::PushButton> {
  public:
   explicit ButtonRow(std::function<void()> didEdit) {
-    setPadding(formStyle::rowPadding - RowButton::ringGap, RowButton::ringGap);
+    setPadding(formStyle::rowPadding - FormButton::ringGap, FormButton::ringGap);
     line().addStretch(1);
     line().addWidget(&button_);
     // So that the enter key presses it too.
@@ -263,20 +228,16 @@ class ButtonRow final : public RowOf<view::PushButton> {
     });
   }
 
-  [[nodiscard]] QWidget* control() const override { return const_cast<RowButton*>(&button_); }
+  [[nodiscard]] QWidget* control() const override { return const_cast<FormButton*>(&button_); }
 
  protected:
   void show(const view::PushButton& button) override {
-    // An ampersand would be taken for the mark of a shortcut.
-    const auto title = QString::fromStdString(button.title);
-    button_.setAccessibleName(title);
-    button_.setText(QString(title).replace('&', "&&"));
-    button_.updateGeometry();
+    button_.setTitle(QString::fromStdString(button.title));
     action_ = button.action;
   }
 
  private:
-  RowButton button_;
+  FormButton button_;
   std::function<void()> action_;
 };
 

@@ -44,13 +44,14 @@ void ProminentPushButton::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QColor accent = formStyle::accentFill(palette());
   const QColor ink = palette().color(QPalette::HighlightedText);
-  constexpr int pressedFactor = 118;
-  constexpr int hoveredFactor = 108;
+  // Away from the text's colour, or it would be harder to read there.
+  constexpr double pressedShare = 0.16;
+  constexpr double hoveredShare = 0.08;
+  const double share = isDown() ? pressedShare : underMouse() ? hoveredShare : 0;
   const QRectF body = QRectF(rect()).adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
   painter.setPen(Qt::NoPen);
-  painter.setBrush(isDown()       ? accent.darker(pressedFactor)
-                   : underMouse() ? accent.lighter(hoveredFactor)
-                                  : accent);
+  painter.setBrush(
+      formStyle::mixed(accent, ink.lightnessF() > 0.5F ? Qt::black : Qt::white, share));
   painter.drawRoundedRect(body, radius, radius);
   const double text = fontMetrics().horizontalAdvance(accessibleName());
   const double left = body.center().x() - (symbolSize + symbolGap + text) / 2;

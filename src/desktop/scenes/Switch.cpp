@@ -60,7 +60,7 @@ void Switch::paintEvent(QPaintEvent*) {
   const QPalette& colors = palette();
   painter.setPen(Qt::NoPen);
   painter.setBrush(
-      formStyle::mixed(formStyle::switchTrack(colors), colors.color(QPalette::Highlight), at));
+      formStyle::mixed(formStyle::switchTrack(colors), formStyle::accentFill(colors), at));
   painter.drawRoundedRect(track, trackHeight / 2, trackHeight / 2);
   const double knobSize = trackHeight - 2 * knobInset;
   const double travel = trackWidth - trackHeight;

@@ -74,7 +74,7 @@ void ValueSlider::paintEvent(QPaintEvent*) {
                             grooveHeight / 2, grooveHeight / 2);
   };
   paintGroove(formStyle::switchTrack(colors), groove.left(), groove.right());
-  paintGroove(colors.color(QPalette::Highlight), groove.left(), knob.x());
+  paintGroove(formStyle::accentFill(colors), groove.left(), knob.x());
   painter.setBrush(QColor(0, 0, 0, 60));
   painter.drawEllipse(knob + QPointF(0, 0.5), knobRadius + 0.75, knobRadius + 0.75);
   painter.setBrush(isSliderDown() ? QColor(235, 235, 235) : QColor(Qt::white));

@@ -1,11 +1,12 @@
-#include "desktop/calendar/AccessDialog.h"
+#include "desktop/privacy/AccessDialog.h"
 
 #include <utility>
 
 #include <QIcon>
 #include <QMessageBox>
-#include <QPushButton>
 
+#include "desktop/scenes/BundledImage.h"
+#include "desktop/scenes/FormButton.h"
 #include "desktop/session/SoftwareSurfaces.h"
 
 namespace valdrix::desktop {
@@ -24,7 +25,7 @@ void AccessDialog::show() {
   box_ = std::make_unique<QMessageBox>();
   box_->setWindowTitle("valdrix");
   constexpr int iconSize = 64;
-  const auto icon = QIcon::fromTheme("valdrix");
+  const auto icon = bundledImage("AppIcon");
   box_->setWindowIcon(icon);
   box_->setIconPixmap(icon.pixmap(iconSize));
   box_->setTextFormat(Qt::PlainText);
@@ -32,9 +33,14 @@ void AccessDialog::show() {
   box_->setInformativeText(
       "Tes prochains événements s'afficheront dans l'encoche. valdrix les lit sur cet ordinateur, "
       "ne les modifie pas et ne les envoie nulle part.");
-  auto* const later = box_->addButton("Plus tard", QMessageBox::RejectRole);
-  auto* const refuse = box_->addButton("Refuser", QMessageBox::DestructiveRole);
-  auto* const allow = box_->addButton("Autoriser", QMessageBox::AcceptRole);
+  const auto add = [this](const char* title, QMessageBox::ButtonRole role) {
+    auto* const button = new FormButton(title, box_.get());
+    box_->addButton(button, role);
+    return button;
+  };
+  auto* const later = add("Plus tard", QMessageBox::RejectRole);
+  auto* const refuse = add("Refuser", QMessageBox::DestructiveRole);
+  auto* const allow = add("Autoriser", QMessageBox::AcceptRole);
   box_->setDefaultButton(later);
   box_->setEscapeButton(later);
   // The user's other windows, the notch among them, stay usable, but don't bury it.
