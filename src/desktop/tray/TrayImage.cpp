@@ -12,10 +12,10 @@ namespace valdrix::desktop {
 namespace {
 
 constexpr QColor light(240, 240, 240);
-constexpr double rimOpacity = 0.55;
+constexpr double rimOpacity = 0.8;
 /// Of the picture's size: what is left free on each side, and how wide the rim is.
 constexpr double margin = 1.0 / 16;
-constexpr double rimWidth = 1.0 / 32;
+constexpr double rimWidth = 1.0 / 20;
 
 QImage transparentSquare(int size) {
   QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
