@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
@@ -15,6 +16,7 @@
 #include "desktop/scenes/FormStyle.h"
 #include "desktop/scenes/FormView.h"
 #include "desktop/scenes/SettingsTabBar.h"
+#include "desktop/session/ActivationToken.h"
 #include "desktop/session/SoftwareSurfaces.h"
 
 namespace valdrix::desktop {
@@ -22,6 +24,9 @@ namespace valdrix::desktop {
 namespace {
 
 constexpr int barMargin = 8;
+
+/// Whether only a token that comes from the user's own input brings a window to the front.
+bool needsToken() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
 }  // namespace
 
@@ -76,6 +81,8 @@ void SettingsWindow::selectTab(std::size_t index) {
 }
 
 void SettingsWindow::open() {
+  // A compositor takes no notice of a wish without a token, but a new window is in front.
+  if (isVisible() && !isActiveWindow() && needsToken() && !ActivationToken::isAtHand()) hide();
   if (!isVisible()) {
     adjustSize();
     move(screen()->availableGeometry().center() - rect().center());

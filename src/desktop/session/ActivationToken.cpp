@@ -26,4 +26,6 @@ void ActivationToken::during(const std::function<void()>& block) const {
   qunsetenv(waylandVariable);
 }
 
+bool ActivationToken::isAtHand() { return qEnvironmentVariableIsSet(waylandVariable); }
+
 }  // namespace valdrix::desktop

@@ -21,6 +21,8 @@ class ActivationToken {
   [[nodiscard]] const std::string& text() const { return text_; }
   /// Runs `block`, in which a window may be brought to the front by the token.
   void during(const std::function<void()>& block) const;
+  /// Whether such a block runs.
+  [[nodiscard]] static bool isAtHand();
 
  private:
   std::string text_;
