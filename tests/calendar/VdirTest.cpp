@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdarg>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -10,12 +13,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
 #include <QDateTime>
 #include <QTemporaryDir>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 #include "desktop/icalendar/IcalendarText.h"
 #include "desktop/session/QtRunLoop.h"
@@ -45,6 +50,9 @@ std::string utc(platform::Instant instant) {
       .toString("yyyyMMdd'T'HHmmss'Z'")
       .toStdString();
 }
+
+/// Where opening anything takes until it is cleared, as on a share whose server has gone.
+std::atomic<const char*> deadName = nullptr;
 
 /// A user's home, with the loop and the clock of a process that looks at its calendars.
 class VdirTest : public testing::Test {
@@ -106,7 +114,7 @@ class VdirTest : public testing::Test {
   }
   [[nodiscard]] Strings found() const {
     Strings folders;
-    for (const auto& each : findCalendarFolders(paths, [](const auto&, const auto&) {}))
+    for (const auto& each : findCalendarFolders(paths))
       folders.push_back(fs::relative(each.path / each.file, home).string());
     return folders;
   }
@@ -339,6 +347,30 @@ TEST_F(VdirTest, OneBadFileHidesOnlyItself) {
   EXPECT_TRUE(shows({"good", "linked"}));
 }
 
+TEST_F(VdirTest, AFolderThatDoesNotAnswerHoldsNothingElseUp) {
+  add("data/a/dead.ics", "two");
+  add("data/b/1.ics", "one");
+  deadName = "dead.ics";
+  start();
+  EXPECT_TRUE(shows({"one"}));
+  const auto before = std::chrono::steady_clock::now();
+  source->stop();
+  EXPECT_THAT(identifiers(), IsEmpty());
+  source->start();
+  EXPECT_TRUE(shows({"one"}));
+  source.reset();
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
+  start();
+  EXPECT_TRUE(shows({"one"}));
+  deadName = nullptr;
+  EXPECT_TRUE(tests::waitFor(
+      [&] {
+        return titles() == Strings{"one", "two"};
+      },
+      15000))
+      << "what answers again is not looked at";
+}
+
 TEST_F(VdirTest, NoticesWhatOthersChange) {
   add("data/a/1.ics", "one");
   add("data/a/2.ics", "two");
@@ -467,3 +499,14 @@ TEST_F(VdirTest, StartsFromItsIndexAndDoesWithout) {
 
 }  // namespace
 }  // namespace valdrix::desktop
+
+/// Stands before the C library's.
+extern "C" int openat(int folder, const char* name, int flags, ...) {
+  for (const char* dead; (dead = valdrix::desktop::deadName) && std::string_view(dead) == name;)
+    ::usleep(1000);
+  std::va_list arguments;
+  va_start(arguments, flags);
+  const int mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, int) : 0;
+  va_end(arguments);
+  return static_cast<int>(::syscall(SYS_openat, folder, name, flags, mode));
+}

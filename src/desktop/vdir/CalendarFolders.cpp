@@ -60,9 +60,9 @@ void visitEntries(const fs::path& folder, const Visit& visit) {
 
 /// What a search is for.
 struct SearchRules {
-  FolderWatcher watch = [](const auto&, const auto&) {};
-  /// Called before each look at a path; the search ends when it answers false.
-  std::function<bool(const fs::path&)> mayLook = [](const auto&) { return true; };
+  SearchHooks hooks{};
+  /// Called before each look at a path; the search ends when it answers true.
+  std::function<bool(const fs::path&)> isTooMuch = [](const auto&) { return false; };
   /// Called with each folder that may hold a calendar, and whether what leads to it is there for
   /// calendars alone; the search ends when it answers true.
   std::function<bool(const CalendarFolder&, bool)> isEnough = [](const auto&, bool) {
@@ -101,14 +101,14 @@ class Search {
   std::vector<std::string> placesIn(const fs::path& file, Parse parse) {
     if (!file.is_absolute()) return {};
     walk("/", namesIn(file.parent_path()),
-         [&](const fs::path& folder) { rules_.watch(folder, file.filename().string()); });
+         [&](const fs::path& folder) { rules_.hooks.watch(folder, file.filename().string()); });
     if (!mayLook(file)) return {};
     return parse(readWholeFile(file, maximumConfigurationSize).bytes);
   }
 
   bool mayLook(const fs::path& path) {
-    isDone_ = isDone_ || !rules_.mayLook(path);
-    return !isDone_;
+    isDone_ = isDone_ || rules_.isTooMuch(path);
+    return !isDone_ && rules_.hooks.mayLook(path);
   }
 
   void addPlaces(const std::vector<std::string>& places, bool areForCalendars = false) {
@@ -131,10 +131,10 @@ class Search {
     if (!mayLook(literal)) return;
     // A name that has wildcards may also be meant as it is.
     if (statusOf(literal)) {
-      if (isLink(literal) || !isAccessible(literal, R_OK)) rules_.watch(base, name);
+      if (isLink(literal) || !isAccessible(literal, R_OK)) rules_.hooks.watch(base, name);
       return walk(literal, rest, use);
     }
-    rules_.watch(base, hasWildcard(name) ? std::string() : name);
+    rules_.hooks.watch(base, hasWildcard(name) ? std::string() : name);
     if (!hasWildcard(name)) return;
     for (const auto& entry : matches(base, name))
       if (mayLook(base / entry)) walk(base / entry, rest, use);
@@ -176,9 +176,10 @@ class Search {
   }
 
   void addFolder(const fs::path& folder, const fs::path& root) {
+    if (!rules_.hooks.mayLook(folder)) return;
     const auto status = statusOf(folder);
     if (!status || isDone_) return;
-    rules_.watch(folder, {});
+    rules_.hooks.watch(folder, {});
     CalendarFolder found{folder, {}, root, status->st_dev, status->st_ino};
     isDone_ = rules_.isEnough(found, areForCalendars_ || folder == root);
     if (!isFound(found)) found_.push_back(std::move(found));
@@ -188,7 +189,7 @@ class Search {
     const auto folder = file.parent_path();
     const auto status = statusOf(folder);
     if (!status || !isEventFileName(file.filename().string())) return;
-    rules_.watch(folder, file.filename().string());
+    rules_.hooks.watch(folder, file.filename().string());
     files_.push_back({folder, file.filename().string(), folder, status->st_dev, status->st_ino});
     isDone_ = isDone_ || rules_.isEnough(files_.back(), true);
   }
@@ -245,10 +246,9 @@ bool isEventFileName(std::string_view name) {
 
 bool isMetadataFileName(std::string_view name) { return name == "displayname" || name == "color"; }
 
-std::vector<CalendarFolder> findCalendarFolders(const VdirPaths& paths,
-                                                const FolderWatcher& watch) {
+std::vector<CalendarFolder> findCalendarFolders(const VdirPaths& paths, SearchHooks hooks) {
   SearchRules rules;
-  rules.watch = watch;
+  rules.hooks = std::move(hooks);
   return Search(paths, std::move(rules)).run();
 }
 
@@ -261,9 +261,9 @@ Reach reachOf(const VdirPaths& paths) {
     return best == Reach::readable;
   };
   SearchRules rules;
-  rules.mayLook = [&](const fs::path& path) {
+  rules.isTooMuch = [&](const fs::path& path) {
     const bool isQuick = ++looks <= mostLooks && !mounts.areOnTheWayTo(path);
-    return isQuick || !isReadable(Reach::readable);
+    return !isQuick && isReadable(Reach::readable);
   };
   rules.isEnough = [&](const CalendarFolder& folder, bool isForCalendars) {
     return isReadable(reachOf(folder, isForCalendars));

@@ -36,9 +36,16 @@ struct CalendarFolder {
 using FolderWatcher =
     std::function<void(const std::filesystem::path& folder, const std::string& name)>;
 
+/// What a search tells of its ways.
+struct SearchHooks {
+  FolderWatcher watch = [](const auto&, const auto&) {};
+  /// Called before each look at a path; what it answers false to is left out, with all in it.
+  std::function<bool(const std::filesystem::path& path)> mayLook = [](const auto&) { return true; };
+};
+
 /// The folders at all places, in the order of `paths`, each once. Reads configurations and folders.
 [[nodiscard]] std::vector<CalendarFolder> findCalendarFolders(const VdirPaths& paths,
-                                                              const FolderWatcher& watch);
+                                                              SearchHooks hooks = {});
 
 /// What the permissions at all places let this process do with the calendars there. Quick, and
 /// never waits for another machine: where that would take too long, a calendar counts as readable.

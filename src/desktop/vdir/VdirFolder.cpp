@@ -72,15 +72,18 @@ void VdirFolder::queueAll() {
   for (auto& entry : files_) queue(entry);
 }
 
-void VdirFolder::scan(const std::atomic<bool>& isStopped) {
+void VdirFolder::scan(DiskLooks& looks) {
+  looks.begin(where_.path);
   for (auto& entry : files_) entry.second.isSeen = false;
   const auto close = [](DIR* stream) { ::closedir(stream); };
   const std::unique_ptr<DIR, decltype(close)> stream(::opendir(where_.path.c_str()), close);
   while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-    if (isStopped) return;
+    if (looks.isStopped()) return;
+    looks.begin(where_.path);
     if (entry->d_type != DT_DIR && holds(entry->d_name))
       scanFile(::dirfd(stream.get()), entry->d_name);
   }
+  looks.end();
   for (auto& entry : files_)
     if (!entry.second.isSeen) queue(entry);
   std::ranges::sort(queue_, {}, [](const auto* entry) { return entry->second.stamp.changed; });
@@ -102,21 +105,22 @@ int VdirFolder::directory() {
   return directory_.get();
 }
 
-bool VdirFolder::readNext(const VdirHorizon& horizon, const std::atomic<bool>& isStopped) {
+bool VdirFolder::readNext(const VdirHorizon& horizon, DiskLooks& looks) {
   auto& entry = *queue_.back();
   queue_.pop_back();
   entry.second.isQueued = false;
   std::string bytes;
+  looks.begin(where_.path);
   const auto reading = readFile(directory(), entry.first.c_str(), IcalendarText::maximumSize, bytes,
                                 entry.second.stamp);
   if (queue_.empty()) directory_ = UniqueFd();
+  looks.end();
   if (reading == VdirReading::gone) return forget(entry.first);
-  return parse(entry, reading == VdirReading::read ? bytes : std::string_view(), horizon,
-               isStopped);
+  return parse(entry, reading == VdirReading::read ? bytes : std::string_view(), horizon, looks);
 }
 
 bool VdirFolder::parse(VdirFiles::value_type& entry, std::string_view text,
-                       const VdirHorizon& horizon, const std::atomic<bool>& isStopped) {
+                       const VdirHorizon& horizon, const DiskLooks& looks) {
   const bool isOther = noteCollection(entry, text);
   auto& next = entry.second.nextStart;
   const auto glance = glanceNextStart(text, horizon.since());
@@ -124,7 +128,7 @@ bool VdirFolder::parse(VdirFiles::value_type& entry, std::string_view text,
     next = *glance;
     return show(entry.first, {}) || isOther;
   }
-  const auto isEnding = [&isStopped] { return isStopped.load(); };
+  const auto isEnding = [&looks] { return looks.isStopped(); };
   const auto calendar = IcalendarText::parse(text, isEnding);
   next = calendar.nextStart(horizon.since(), horizon.zone, isEnding).value_or(VdirFile::never);
   if (!horizon.mayHold(next)) return show(entry.first, {}) || isOther;
@@ -163,10 +167,12 @@ bool VdirFolder::forget(const std::string& name) {
   return wasShown || wasCollection || wasCalendar != isCalendar();
 }
 
-bool VdirFolder::readAppearance() {
+bool VdirFolder::readAppearance(DiskLooks& looks) {
   if (!where_.file.empty()) return false;
+  looks.begin(where_.path);
   const auto name = readWholeFile(where_.path / "displayname", maximumAppearanceSize);
   const auto color = readWholeFile(where_.path / "color", maximumAppearanceSize);
+  looks.end();
   using enum FileContent::Status;
   const bool hadAppearance =
       std::exchange(hasAppearance_, name.status == read || color.status == read);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <map>
 #include <memory>
 #include <optional>
@@ -10,6 +9,7 @@
 
 #include "desktop/session/UniqueFd.h"
 #include "desktop/vdir/CalendarFolders.h"
+#include "desktop/vdir/DiskLooks.h"
 #include "desktop/vdir/VdirFile.h"
 #include "desktop/vdir/VdirHorizon.h"
 #include "platform/EventStore.h"
@@ -31,8 +31,8 @@ class VdirFolder {
   [[nodiscard]] const VdirFiles& files() const { return files_; }
 
   /// Finds out which files came, changed or went, and queues them, those that changed last first.
-  /// Ends early when `isStopped`.
-  void scan(const std::atomic<bool>& isStopped);
+  /// Ends early when `looks` are stopped.
+  void scan(DiskLooks& looks);
   /// Queues what `horizon` needs, or everything.
   void queueFor(const VdirHorizon& horizon);
   void queueAll();
@@ -40,10 +40,10 @@ class VdirFolder {
   void queue(std::string_view name);
   [[nodiscard]] bool hasQueue() const { return !queue_.empty(); }
   /// Reads the next file of the queue. Whether what this folder holds is another now. Once
-  /// `isStopped`, what is known of that file is of no use any more.
-  bool readNext(const VdirHorizon& horizon, const std::atomic<bool>& isStopped);
+  /// `looks` are stopped, what is known of that file is of no use any more.
+  bool readNext(const VdirHorizon& horizon, DiskLooks& looks);
   /// Reads the calendar's name and colour. Whether they changed.
-  bool readAppearance();
+  bool readAppearance(DiskLooks& looks);
   /// Whether a file of this name, when it comes or goes, changes what this folder holds.
   [[nodiscard]] bool holds(std::string_view name) const;
 
@@ -63,7 +63,7 @@ class VdirFolder {
   void queue(VdirFiles::value_type& entry);
   void scanFile(int folder, const char* name);
   bool parse(VdirFiles::value_type& entry, std::string_view text, const VdirHorizon& horizon,
-             const std::atomic<bool>& isStopped);
+             const DiskLooks& looks);
   bool show(const std::string& name, std::vector<platform::Event> events);
   bool noteCollection(VdirFiles::value_type& entry, std::string_view text);
   bool forget(const std::string& name);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "desktop/vdir/CalendarFolders.h"
+#include "desktop/vdir/DiskLooks.h"
 #include "desktop/vdir/VdirSnapshot.h"
 #include "desktop/vdir/VdirWorker.h"
 
@@ -20,19 +21,28 @@ constexpr days reserve{7};
 /// Nothing further away from today is looked up, whoever asks.
 constexpr days furthest{50 * 365};
 
+/// So long a disk may take for one answer before the others are read without it.
+constexpr double patience = 1;  // seconds
+
 }  // namespace
 
 VdirSource::VdirSource(platform::RunLoop& runLoop, QtUserCalendar& userCalendar, VdirPaths paths)
     : runLoop_(runLoop),
       userCalendar_(userCalendar),
       paths_(std::move(paths)),
-      snapshot_(std::make_shared<const VdirSnapshot>()) {}
+      snapshot_(std::make_shared<const VdirSnapshot>()),
+      silent_(std::make_shared<SilentPlaces>()) {}
 
-VdirSource::~VdirSource() = default;
+VdirSource::~VdirSource() { stop(); }
 
 CalendarSource::Reach VdirSource::reach() const { return reachOf(paths_); }
 
 void VdirSource::start() {
+  startWorker();
+  clockChanges_ = userCalendar_.observeChanges([this] { requestHorizon(); });
+}
+
+void VdirSource::startWorker() {
   auto show = reading_.emplace().weak([this](const std::shared_ptr<const VdirSnapshot>& snapshot) {
     snapshot_ = snapshot;
     observers_.notify();
@@ -40,14 +50,30 @@ void VdirSource::start() {
   auto publish = [&loop = runLoop_, show](std::shared_ptr<const VdirSnapshot> snapshot) {
     loop.async([show, snapshot = std::move(snapshot)] { show(snapshot); });
   };
+  auto wake = [&loop = runLoop_, watch = reading_->weak([this] { watchWorker(); })] {
+    loop.async(watch);
+  };
   horizon_ = horizon();
-  worker_ = std::make_unique<VdirWorker>(paths_, horizon_, std::move(publish));
-  clockChanges_ = userCalendar_.observeChanges([this] { requestHorizon(); });
+  worker_ = VdirWorker::start(paths_, horizon_, silent_, {std::move(publish), std::move(wake)});
+  watchWorker();
+}
+
+void VdirSource::watchWorker() {
+  workerWatch_ = runLoop_.scheduleTimer(patience, true, [this] { checkWorker(); });
+}
+
+void VdirSource::checkWorker() {
+  if (worker_->isAtRest()) return workerWatch_.reset();
+  if (!worker_->giveUp(std::chrono::milliseconds(static_cast<int>(patience * 1000)))) return;
+  worker_->stop();
+  startWorker();
 }
 
 void VdirSource::stop() {
   clockChanges_.reset();
   reading_.reset();
+  workerWatch_.reset();
+  if (worker_) worker_->stop();
   worker_.reset();
   snapshot_ = std::make_shared<const VdirSnapshot>();
 }

@@ -13,12 +13,13 @@
 
 namespace valdrix::desktop {
 
+class SilentPlaces;
 class VdirSnapshot;
 class VdirWorker;
 
 /// Calendars in folders on disk, one event a file ("vdir"), and single iCalendar files with many.
-/// They are read on a thread of its own, from `start` on; changes made by anybody are noticed. Only
-/// `reach` looks at permissions itself.
+/// They are read on a thread of its own, from `start` on; changes made by anybody are noticed. A
+/// folder that does not answer is left out until it does. Only `reach` looks at permissions itself.
 class VdirSource final : public CalendarSource {
  public:
   /// `runLoop` and `userCalendar` outlive this.
@@ -40,6 +41,9 @@ class VdirSource final : public CalendarSource {
  private:
   [[nodiscard]] VdirHorizon horizon() const;
   void requestHorizon() const;
+  void startWorker();
+  void watchWorker();
+  void checkWorker();
   void widen(platform::Instant start, platform::Instant end) const;
 
   platform::RunLoop& runLoop_;
@@ -52,8 +56,10 @@ class VdirSource final : public CalendarSource {
   mutable std::chrono::days behind_{1};
   mutable std::chrono::days ahead_{14};
   mutable VdirHorizon horizon_{};  ///< as asked for last
-  std::unique_ptr<VdirWorker> worker_;
-  std::optional<Lifetime> reading_;  ///< from `start` to `stop`
+  std::shared_ptr<SilentPlaces> silent_;
+  std::shared_ptr<VdirWorker> worker_;
+  std::optional<Lifetime> reading_;  ///< from `start` to `stop`, of one worker
+  Token workerWatch_;                ///< while there is work
 };
 
 }  // namespace valdrix::desktop

@@ -23,8 +23,8 @@ bool isFolderLink(const fs::path& path) {
 
 }  // namespace
 
-VdirStore::VdirStore(VdirPaths paths, const std::atomic<bool>& isStopped)
-    : paths_(std::move(paths)), isStopped_(isStopped), index_(VdirIndex::load(paths_.index)) {
+VdirStore::VdirStore(VdirPaths paths, DiskLooks& looks)
+    : paths_(std::move(paths)), looks_(looks), index_(VdirIndex::load(paths_.index)) {
   since_ = index_.since;
   for (const auto& [path, files] : index_.folders) readSinceTrim_ += files.size();
 }
@@ -58,7 +58,11 @@ void VdirStore::take(const FolderWatches::Event& event) {
   if (event.isByName || event.name.empty() ||
       (event.isOfAll && isCandidate && !event.name.starts_with('.')))
     isSearchDue_ = true;
-  for (auto entry = first; entry != last; ++entry) take(event, *entry->second);
+  for (auto entry = first; entry != last; ++entry) {
+    looks_.begin(entry->second->folder.where().path);
+    take(event, *entry->second);
+  }
+  looks_.end();
 }
 
 void VdirStore::take(const FolderWatches::Event& event, Entry& entry) {
@@ -91,12 +95,19 @@ void VdirStore::lookAgain() {
 void VdirStore::search() {
   isSearchDue_ = false;
   watches_.beginRound();
-  const auto watch = [this](const fs::path& folder, const std::string& name) {
+  hasSkipped_ = false;
+  SearchHooks hooks;
+  hooks.watch = [this](const fs::path& folder, const std::string& name) {
     static_cast<void>(watches_.add(folder, name));
+  };
+  hooks.mayLook = [this](const fs::path& path) {
+    const bool mayLook = looks_.begin(path);
+    hasSkipped_ |= !mayLook;
+    return mayLook && !looks_.isStopped();
   };
   Entries entries;
   entryOfWatch_.clear();
-  for (const auto& where : findCalendarFolders(paths_, watch)) {
+  for (const auto& where : findCalendarFolders(paths_, hooks)) {
     auto& entry = *entries.emplace_back(takeEntry(where));
     const int id = watches_.add(where.path, where.file);
     entryOfWatch_.emplace(id, &entry);
@@ -104,6 +115,7 @@ void VdirStore::search() {
     // was watched went unnoticed.
     if (std::exchange(entry.watch, id) != id) entry.isScanDue = entry.isAppearanceDue = true;
   }
+  looks_.end();
   // What is left was not found again.
   hasNews_ |= std::ranges::any_of(entries_, [](const auto& entry) { return entry != nullptr; });
   entries_ = std::move(entries);
@@ -139,7 +151,7 @@ bool VdirStore::hasWork() const {
 
 void VdirStore::work(std::chrono::milliseconds duration) {
   const auto end = std::chrono::steady_clock::now() + duration;
-  while (!isStopped_ && std::chrono::steady_clock::now() < end) {
+  while (!looks_.isStopped() && std::chrono::steady_clock::now() < end) {
     const bool wasReading = isReading();
     if (!workOnce()) break;
     // The list of what the index knew is not kept waiting until all folders are looked through.
@@ -157,7 +169,8 @@ bool VdirStore::workOnce() {
   // What can be shown soon goes before what is only to be looked through.
   bool hasRead = false;
   for (const auto& entry : entries_) {
-    if (std::exchange(entry->isAppearanceDue, false)) hasNews_ |= entry->folder.readAppearance();
+    if (std::exchange(entry->isAppearanceDue, false))
+      hasNews_ |= entry->folder.readAppearance(looks_);
     if (!entry->folder.hasQueue()) continue;
     hasRead = true;
     readNext(*entry);
@@ -166,12 +179,12 @@ bool VdirStore::workOnce() {
   const auto unscanned = std::ranges::find_if(entries_, [](const auto& e) { return e->isScanDue; });
   if (unscanned == entries_.end()) return false;
   (*unscanned)->isScanDue = false;
-  (*unscanned)->folder.scan(isStopped_);
+  (*unscanned)->folder.scan(looks_);
   return true;
 }
 
 void VdirStore::readNext(Entry& entry) {
-  hasNews_ |= entry.folder.readNext(horizon_, isStopped_);
+  hasNews_ |= entry.folder.readNext(horizon_, looks_);
   isIndexOld_ = true;
   ++readSinceTrim_;
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
 #include <vector>
 
+#include "desktop/vdir/DiskLooks.h"
 #include "desktop/vdir/FolderWatches.h"
 #include "desktop/vdir/VdirFolder.h"
 #include "desktop/vdir/VdirHorizon.h"
@@ -19,15 +19,15 @@ namespace valdrix::desktop {
 /// what it is told when it is told; when that is, is `VdirWorker`'s business. One thread only.
 class VdirStore {
  public:
-  /// Long work ends early when `isStopped`.
-  VdirStore(VdirPaths paths, const std::atomic<bool>& isStopped);
+  /// Long work ends early when `looks` are stopped. `looks` outlives this.
+  VdirStore(VdirPaths paths, DiskLooks& looks);
 
   /// Readable when `takeNotices` has something to take; -1 when the system gives no notices.
   [[nodiscard]] int noticesFd() const { return watches_.fd(); }
   /// Notes what changed on disk.
   void takeNotices();
   /// Whether changes go unnoticed, so that `lookAgain` must find them.
-  [[nodiscard]] bool isBlind() const { return watches_.isIncomplete(); }
+  [[nodiscard]] bool isBlind() const { return watches_.isIncomplete() || hasSkipped_; }
   /// Has everything compared with what is on disk.
   void lookAgain();
 
@@ -68,7 +68,7 @@ class VdirStore {
   void readNext(Entry& entry);
 
   VdirPaths paths_;
-  const std::atomic<bool>& isStopped_;
+  DiskLooks& looks_;
   FolderWatches watches_;
   VdirHorizon horizon_;
   VdirIndex index_;  ///< of the folders that were not found yet
@@ -76,6 +76,7 @@ class VdirStore {
   Entries entries_;
   std::multimap<int, Entry*> entryOfWatch_;
   std::size_t readSinceTrim_ = 0;
+  bool hasSkipped_ = false;  ///< whether the last search left silent places out
   bool isSearchDue_ = true;
   bool hasNews_ = false;
   bool isIndexOld_ = false;

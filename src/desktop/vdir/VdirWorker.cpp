@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <malloc.h>
 #include <poll.h>
+#include <thread>
 #include <utility>
 
 #include <sys/eventfd.h>
@@ -24,6 +25,9 @@ constexpr auto blindInterval = 10s;
 constexpr auto saveDelay = 5s;
 constexpr auto saveInterval = 60s;
 
+/// How long the end of the thread is waited for.
+constexpr auto longestEnd = 500ms;
+
 constexpr auto never = Pace::Clock::time_point::max();
 
 int millisecondsUntil(Pace::Clock::time_point time) {
@@ -34,16 +38,29 @@ int millisecondsUntil(Pace::Clock::time_point time) {
 
 }  // namespace
 
-VdirWorker::VdirWorker(VdirPaths paths, VdirHorizon horizon, Publish publish)
-    : publish_(std::move(publish)),
-      wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      request_(std::move(horizon)),
-      thread_([this, paths = std::move(paths)] { run(paths); }) {}
+VdirWorker::VdirWorker(VdirHorizon horizon, std::shared_ptr<SilentPlaces> silent,
+                       Callbacks callbacks)
+    : wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      looks_(std::move(silent)),
+      callbacks_(std::move(callbacks)),
+      request_(std::move(horizon)) {}
 
-VdirWorker::~VdirWorker() {
-  isStopped_ = true;
+std::shared_ptr<VdirWorker> VdirWorker::start(VdirPaths paths, VdirHorizon horizon,
+                                              std::shared_ptr<SilentPlaces> silent,
+                                              Callbacks callbacks) {
+  auto worker =
+      std::make_shared<VdirWorker>(std::move(horizon), std::move(silent), std::move(callbacks));
+  std::thread([worker, paths = std::move(paths)] { worker->run(paths); }).detach();
+  return worker;
+}
+
+void VdirWorker::stop() {
+  looks_.stop();
   wake();
-  thread_.join();
+  std::unique_lock lock(mutex_);
+  const auto patience = looks_.isGivenUp() ? 0ms : longestEnd;
+  ended_.wait_for(lock, patience, [this] { return hasEnded_; });
+  callbacks_ = {};
 }
 
 void VdirWorker::request(VdirHorizon horizon) {
@@ -56,13 +73,28 @@ void VdirWorker::request(VdirHorizon horizon) {
 
 void VdirWorker::wake() const { ::eventfd_write(wakeUp_.get(), 1); }
 
+bool VdirWorker::isAtRest() {
+  // Before the look, so that work which begins after it is announced.
+  isWatched_ = false;
+  if (isAtRest_) return true;
+  isWatched_ = true;
+  return false;
+}
+
 void VdirWorker::run(const VdirPaths& paths) {
+  work(paths);
+  const std::lock_guard lock(mutex_);
+  hasEnded_ = true;
+  ended_.notify_all();
+}
+
+void VdirWorker::work(const VdirPaths& paths) {
   // Left to itself, the allocator keeps blocks of the size of the largest that was ever freed,
   // which is that of the index.
   constexpr int largeBlock = 256 * 1024;
   ::mallopt(M_MMAP_THRESHOLD, largeBlock);
-  VdirStore store(paths, isStopped_);
-  while (!isStopped_) {
+  VdirStore store(paths, looks_);
+  while (!looks_.isStopped()) {
     takeRequest(store);
     takeTurn(store);
     wait(store);
@@ -91,14 +123,14 @@ void VdirWorker::takeTurn(VdirStore& store) {
   }
   store.work(turn);
   // What was interrupted is not to be shown, nor kept for the next start.
-  if (isStopped_) return;
+  if (looks_.isStopped()) return;
   const auto now = Clock::now();
   // Whoever waits for the whole list after the start does not wait for the next notice, too.
   const bool isWhole = !store.hasWork() && !store.isSearchDue();
   const bool isFirstWhole = isWhole && !std::exchange(wasWhole_, wasWhole_ || isWhole);
   if (store.hasNews() && (isFirstWhole || now >= publishing_.next())) {
     publishing_.note(now);
-    publish_(store.takeSnapshot());
+    publish(store);
   }
   if (!store.isIndexOld()) return;
   if (!oldSince_) oldSince_ = now;
@@ -122,9 +154,24 @@ VdirWorker::Clock::time_point VdirWorker::nextTurn(const VdirStore& store) const
   return next;
 }
 
-void VdirWorker::wait(const VdirStore& store) const {
+void VdirWorker::publish(VdirStore& store) {
+  auto snapshot = store.takeSnapshot();
+  const std::lock_guard lock(mutex_);
+  if (callbacks_.publish) callbacks_.publish(std::move(snapshot));
+}
+
+void VdirWorker::announce() {
+  if (isWatched_.exchange(true)) return;
+  const std::lock_guard lock(mutex_);
+  if (callbacks_.wake) callbacks_.wake();
+}
+
+void VdirWorker::wait(const VdirStore& store) {
   std::array<pollfd, 2> fds{{{wakeUp_.get(), POLLIN, 0}, {store.noticesFd(), POLLIN, 0}}};
+  isAtRest_ = true;
   ::poll(fds.data(), fds.size(), millisecondsUntil(nextTurn(store)));
+  isAtRest_ = false;
+  announce();
   std::uint64_t count = 0;
   if (fds[0].revents != 0) ::eventfd_read(wakeUp_.get(), &count);
 }
