@@ -13,8 +13,8 @@
 #include "desktop/shortcuts/KGlobalAccelKeys.h"
 #include "desktop/shortcuts/KGlobalAccelSettings.h"
 #include "platform/EventTaps.h"
-#include "tests/shortcuts/FakeKGlobalAccel.h"
 #include "tests/session/PrivateBus.h"
+#include "tests/shortcuts/FakeKGlobalAccel.h"
 #include "tests/support/WaitFor.h"
 
 namespace valdrix::desktop {
