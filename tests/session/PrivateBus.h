@@ -20,12 +20,19 @@ class PrivateBus {
 
   /// Starts it; whether it accepts connections.
   [[nodiscard]] bool start();
+  /// Starts it so that it takes nobody in.
+  [[nodiscard]] bool startFull();
   /// Ends it at once, as a crash would.
   void kill();
   /// Makes it hang, or go on.
   void setHanging(bool hangs);
 
  private:
+  [[nodiscard]] QString address() const;
+  [[nodiscard]] bool start(int mostConnections);
+  void configure(int mostConnections);
+
+  QString services_;
   QTemporaryDir folder_;
   std::unique_ptr<ChildProcess> daemon_;
 };

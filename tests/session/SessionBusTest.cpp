@@ -147,6 +147,18 @@ TEST(SingleInstance, AHangingBusIsNotWaitedFor) {
   EXPECT_TRUE(tests::waitFor([&] { return isConnected(agent); }));
 }
 
+TEST(SingleInstance, AFullBusIsAskedAgain) {
+  tests::PrivateBus bus;
+  ASSERT_TRUE(bus.startFull());
+  QtRunLoop runLoop;
+  Agent agent(runLoop);
+  EXPECT_EQ(claim(agent), SingleInstance::Claim::only);
+  EXPECT_EQ(probe({"status"}).exitCode, 1);
+  bus.kill();
+  ASSERT_TRUE(bus.start());
+  EXPECT_TRUE(tests::waitFor([&] { return isConnected(agent); }));
+}
+
 TEST(DesktopServices, FeedbackAndNotificationsReachTheirService) {
   tests::PrivateBus bus;
   ASSERT_TRUE(bus.start());

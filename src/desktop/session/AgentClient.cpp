@@ -1,6 +1,5 @@
 #include "desktop/session/AgentClient.h"
 
-#include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusMessage>
 
@@ -10,7 +9,8 @@ namespace valdrix::desktop {
 
 namespace {
 
-constexpr double connectSeconds = 1;
+// With the start of the program no more than a second.
+constexpr double connectSeconds = 0.8;
 constexpr int callMilliseconds = 1000;
 
 /// The text for a terminal, which would obey what a title or a file's name holds of controls. They
@@ -76,8 +76,12 @@ AgentAnswer AgentClient::restoreKeys() { return ask("RestoreKeys"); }
 AgentAnswer AgentClient::describeCustody() { return ask("DescribeCustody"); }
 
 bool AgentClient::isAgentThere() {
-  return bus_.waitUntilConnected(connectSeconds) &&
-         bus_.connection()->interface()->isServiceRegistered(AgentNames::service);
+  if (!bus_.waitUntilConnected(connectSeconds)) return false;
+  auto question = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                 "org.freedesktop.DBus", "NameHasOwner");
+  question << AgentNames::service;
+  const auto reply = bus_.connection()->call(question, QDBus::Block, callMilliseconds);
+  return reply.arguments().value(0).toBool();
 }
 
 AgentAnswer AgentClient::quit() { return ask("Quit"); }

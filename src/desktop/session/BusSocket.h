@@ -10,7 +10,7 @@ class BusSocket {
  public:
   enum class State {
     absent,     ///< nobody listens
-    silent,     ///< somebody listens but does not react
+    silent,     ///< somebody listens but does not react, or takes nobody in
     answering,  ///< a bus is there, as far as can be told
   };
 
@@ -19,8 +19,9 @@ class BusSocket {
 
   /// The socket's file, where it has one.
   [[nodiscard]] std::optional<std::string> path() const;
-  /// What the bus says to a greeting, waiting for it no longer than `milliseconds`. Addresses other
-  /// than local sockets are taken to answer.
+  /// What the bus says to somebody who joins it, waiting for each answer no longer than
+  /// `milliseconds`. Addresses other than local sockets are taken to answer, and so is a bus that
+  /// wants another proof of who we are than the socket gives.
   [[nodiscard]] State probe(int milliseconds) const;
 
  private:

@@ -45,8 +45,8 @@ QString freshConnectionName() {
 }  // namespace
 
 /// One try to connect, on a thread of its own. The library would wait for a bus that hangs for as
-/// long as it likes, and keep the program from ending; so the bus is asked for a sign of life
-/// first.
+/// long as it likes, and end the program when that takes nobody in; so joining is tried first
+/// without it.
 class SessionBus::Attempt {
  public:
   /// `onDone` is submitted to `runLoop`, unless the attempt was abandoned before.
