@@ -363,6 +363,7 @@ TEST_F(VdirTest, AFolderThatDoesNotAnswerHoldsNothingElseUp) {
   start();
   EXPECT_TRUE(shows({"one"}));
   deadName = nullptr;
+  deadName.notify_all();
   EXPECT_TRUE(tests::waitFor(
       [&] {
         return titles() == Strings{"one", "two"};
@@ -503,7 +504,7 @@ TEST_F(VdirTest, StartsFromItsIndexAndDoesWithout) {
 /// Stands before the C library's.
 extern "C" int openat(int folder, const char* name, int flags, ...) {
   for (const char* dead; (dead = valdrix::desktop::deadName) && std::string_view(dead) == name;)
-    ::usleep(1000);
+    valdrix::desktop::deadName.wait(dead);
   std::va_list arguments;
   va_start(arguments, flags);
   const int mode = flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, int) : 0;
