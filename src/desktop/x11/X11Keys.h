@@ -24,8 +24,8 @@ namespace valdrix::desktop {
 ///
 /// A press begins a grab of the whole keyboard, which is ended at once: whatever is typed while a
 /// media key is down goes where it would go without us, and so does the release of the media key
-/// itself. No other key ever comes this way, because the connection selects no key events. With
-/// Control, Alt or Super the media keys are not grabbed at all.
+/// itself. A key that is struck in the instant before the server has ended the grab comes here
+/// instead, and is dropped. With Control, Alt or Super the media keys are not grabbed at all.
 ///
 /// Nobody tells when a key that another program has becomes free, so such keys are looked at every
 /// three seconds while there are any, which costs one question. Under XWayland grabs are granted
